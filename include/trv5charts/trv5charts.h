@@ -1,0 +1,16 @@
+#pragma once
+
+// Everything a host needs from TRV5Charts.
+
+#include <trv5charts/axis.h>
+#include <trv5charts/axisrange.h>
+#include <trv5charts/charterror.h>
+#include <trv5charts/colorconverter.h>
+#include <trv5charts/hostsettings.h>
+#include <trv5charts/isimpleserializable.h>
+#include <trv5charts/localizationlib.h>
+#include <trv5charts/mathhelper.h>
+#include <trv5charts/rtchart.h>
+#include <trv5charts/series.h>
+#include <trv5charts/stringhelpers.h>
+#include <trv5charts/variantconvert.h>

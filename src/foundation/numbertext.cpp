@@ -1,0 +1,567 @@
+#include "foundation/numbertext.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <system_error>
+
+namespace trv5::numbertext {
+
+namespace {
+
+constexpr std::uint64_t kPow10[] = {1ULL,
+                                    10ULL,
+                                    100ULL,
+                                    1000ULL,
+                                    10000ULL,
+                                    100000ULL,
+                                    1000000ULL,
+                                    10000000ULL,
+                                    100000000ULL,
+                                    1000000000ULL,
+                                    10000000000ULL,
+                                    100000000000ULL,
+                                    1000000000000ULL,
+                                    10000000000000ULL,
+                                    100000000000000ULL,
+                                    1000000000000000ULL,
+                                    10000000000000000ULL,
+                                    100000000000000000ULL};
+
+// 5^0 .. 5^27, the powers that fit in 64 bits.
+constexpr auto kPow5 = [] {
+    std::array<std::uint64_t, 28> table{};
+    std::uint64_t power = 1;
+    for (auto& value : table) {
+        value = power;
+        power *= 5;
+    }
+    return table;
+}();
+
+constexpr bool IsDigit(char pChar) noexcept {
+    return pChar >= '0' && pChar <= '9';
+}
+
+constexpr bool IsBlank(char pChar) noexcept {
+    return pChar == ' ' || pChar == '\t' || pChar == '\r' || pChar == '\n';
+}
+
+// Reads the mantissa digits and the exponent of std::to_chars scientific output ("d.ddde+xx").
+// The caller guarantees at most 17 mantissa digits.
+void ReadScientific(const char* pFirst, const char* pLast, Decimal& pDecimal) noexcept {
+    pDecimal.count = 0;
+    const char* p = pFirst;
+    for (; p != pLast && *p != 'e'; ++p) {
+        if (*p != '.' && pDecimal.count < static_cast<int>(sizeof pDecimal.digits)) {
+            pDecimal.digits[pDecimal.count++] = *p;
+        }
+    }
+    int exponent = 0;
+    bool negativeExponent = false;
+    if (p != pLast) {
+        ++p;
+        if (p != pLast && (*p == '-' || *p == '+')) {
+            negativeExponent = *p == '-';
+            ++p;
+        }
+        for (; p != pLast; ++p) {
+            exponent = exponent * 10 + (*p - '0');
+        }
+    }
+    pDecimal.exponent = negativeExponent ? -exponent : exponent;
+    while (pDecimal.count > 0 && pDecimal.digits[pDecimal.count - 1] == '0') {
+        --pDecimal.count;
+    }
+}
+
+// Whether the exact value of pMagnitude (positive, finite) is a decimal of exactly
+// pSignificant + 1 significant digits whose last digit is 5, i.e. an exact tie when rounding to
+// pSignificant digits. std::to_chars settles such ties to even; saved text rounds them away from
+// zero. On true, pMagnitude == pTie * 10^pTieExponent.
+//
+// With pMagnitude = m * 2^k and m odd, such a decimal t * 10^q has t odd, so q = k and
+// t = m * 5^-k (k < 0) or m / 5^k (k >= 0); both are quick integer checks.
+bool ExactTie(double pMagnitude, int pSignificant, std::uint64_t& pTie,
+              int& pTieExponent) noexcept {
+    const auto bits = std::bit_cast<std::uint64_t>(pMagnitude);
+    const auto biasedExponent = static_cast<int>((bits >> 52) & 0x7FF);
+    std::uint64_t mantissa = bits & ((std::uint64_t{1} << 52) - 1);
+    int binaryExponent = -1074;
+    if (biasedExponent != 0) {
+        mantissa |= std::uint64_t{1} << 52;
+        binaryExponent = biasedExponent - 1075;
+    }
+    if (mantissa == 0) {
+        return false;
+    }
+    const int trailingZeros = std::countr_zero(mantissa);
+    mantissa >>= trailingZeros;
+    binaryExponent += trailingZeros;
+
+    const std::uint64_t low = kPow10[pSignificant];
+    const std::uint64_t high = kPow10[pSignificant + 1];
+    std::uint64_t tie = 0;
+    if (binaryExponent < 0) {
+        if (binaryExponent < -27) {
+            return false;
+        }
+        const std::uint64_t power = kPow5[-binaryExponent];
+        if (mantissa > (high - 1) / power) {
+            return false;
+        }
+        tie = mantissa * power;
+    } else {
+        if (binaryExponent > 27) {
+            return false;
+        }
+        const std::uint64_t power = kPow5[binaryExponent];
+        if (mantissa % power != 0) {
+            return false;
+        }
+        tie = mantissa / power;
+    }
+    if (tie < low || tie >= high || tie % 10 != 5) {
+        return false;
+    }
+    pTie = tie;
+    pTieExponent = binaryExponent;
+    return true;
+}
+
+// Rounds the exact binary value (finite) to pSignificant digits, exact decimal ties away from zero.
+Decimal RoundToSignificant(double pValue, int pSignificant) noexcept {
+    Decimal decimal{};
+    decimal.negative = std::signbit(pValue);
+    if (pValue == 0) {
+        return decimal;
+    }
+    const double magnitude = std::fabs(pValue);
+    char buffer[64];
+
+    // For 15 digits, the shortest text that reads back as a normal double is already the correctly
+    // rounded result whenever it has no more than 15 digits: the value lies within half an ulp of
+    // it (at most 2^-53, 1.1e-16, relative), closer than half a unit in the 15th digit (at least
+    // 5e-16 relative), so no rounding midpoint lies between them. Shortest text is much cheaper
+    // than rounded text, and most real data takes this path. Subnormals have fewer bits, so their
+    // shortest text can be much shorter than their rounding ("5e-324"). For singles at 7 digits
+    // the argument fails (2^-24 is 6e-8, more than the 5e-8 of half a unit in the 7th digit of
+    // 9.xxxxxx), so they always take the rounding path.
+    if (pSignificant == 15 && magnitude >= std::numeric_limits<double>::min()) {
+        const auto result =
+            std::to_chars(buffer, buffer + sizeof buffer, magnitude, std::chars_format::scientific);
+        ReadScientific(buffer, result.ptr, decimal);
+        if (decimal.count <= pSignificant) {
+            return decimal;
+        }
+    }
+
+    std::uint64_t tie = 0;
+    int tieExponent = 0;
+    if (ExactTie(magnitude, pSignificant, tie, tieExponent)) {
+        std::uint64_t rounded = tie / 10 + 1;
+        decimal.exponent = tieExponent + pSignificant;
+        int count = pSignificant;
+        if (rounded == kPow10[pSignificant]) {
+            rounded = 1;
+            count = 1;
+            ++decimal.exponent;
+        }
+        for (int i = count - 1; i >= 0; --i) {
+            decimal.digits[i] = static_cast<char>('0' + rounded % 10);
+            rounded /= 10;
+        }
+        decimal.count = count;
+        while (decimal.count > 0 && decimal.digits[decimal.count - 1] == '0') {
+            --decimal.count;
+        }
+        return decimal;
+    }
+
+    // Not a tie, so round-half-even and round-half-away agree.
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, magnitude,
+                                      std::chars_format::scientific, pSignificant - 1);
+    ReadScientific(buffer, result.ptr, decimal);
+    return decimal;
+}
+
+// Rounds the digit string half away from zero so that only pKeep leading digits remain
+// (a negative pKeep rounds to zero).
+void RoundDigits(Decimal& pDecimal, int pKeep) noexcept {
+    if (pKeep >= pDecimal.count) {
+        return;
+    }
+    if (pKeep < 0) {
+        pDecimal.count = 0;
+        return;
+    }
+    const bool roundUp = pDecimal.digits[pKeep] >= '5';
+    pDecimal.count = pKeep;
+    if (roundUp) {
+        int i = pKeep - 1;
+        while (i >= 0 && pDecimal.digits[i] == '9') {
+            --i;
+        }
+        if (i < 0) {
+            pDecimal.digits[0] = '1';
+            pDecimal.count = 1;
+            ++pDecimal.exponent;
+        } else {
+            ++pDecimal.digits[i];
+            pDecimal.count = i + 1;
+        }
+    }
+    while (pDecimal.count > 0 && pDecimal.digits[pDecimal.count - 1] == '0') {
+        --pDecimal.count;
+    }
+}
+
+char DigitAt(const Decimal& pDecimal, int pIndex) noexcept {
+    return pIndex >= 0 && pIndex < pDecimal.count ? pDecimal.digits[pIndex] : '0';
+}
+
+char* WriteNonFinite(char* pOut, double pValue) noexcept {
+    if (std::isnan(pValue)) {
+        return std::copy_n("NaN", 3, pOut);
+    }
+    if (pValue < 0) {
+        *pOut++ = '-';
+    }
+    return std::copy_n("INF", 3, pOut);
+}
+
+char* WriteExponent(char* pOut, int pExponent) noexcept {
+    *pOut++ = 'E';
+    *pOut++ = pExponent < 0 ? '-' : '+';
+    const int magnitude = pExponent < 0 ? -pExponent : pExponent;
+    if (magnitude >= 100) {
+        *pOut++ = static_cast<char>('0' + magnitude / 100);
+    }
+    *pOut++ = static_cast<char>('0' + magnitude / 10 % 10);
+    *pOut++ = static_cast<char>('0' + magnitude % 10);
+    return pOut;
+}
+
+// The general layout shared by doubles (15 digits) and singles (7 digits).
+char* WriteGeneral(char* pOut, const Decimal& pDecimal, int pSignificant,
+                   char pDecimalPoint) noexcept {
+    if (pDecimal.count == 0) {
+        *pOut++ = '0';
+        return pOut;
+    }
+    if (pDecimal.negative) {
+        *pOut++ = '-';
+    }
+    const int exponent = pDecimal.exponent;
+    const int count = pDecimal.count;
+    bool plain = false;
+    if (exponent >= pSignificant) {
+        plain = false;
+    } else if (exponent > -5) {
+        plain = true;
+    } else {
+        plain = -exponent - 1 + count <= pSignificant;
+    }
+
+    if (!plain) {
+        *pOut++ = pDecimal.digits[0];
+        if (count > 1) {
+            *pOut++ = pDecimalPoint;
+            pOut = std::copy_n(pDecimal.digits + 1, count - 1, pOut);
+        }
+        return WriteExponent(pOut, exponent);
+    }
+    if (exponent >= 0) {
+        for (int i = 0; i <= exponent; ++i) {
+            *pOut++ = DigitAt(pDecimal, i);
+        }
+        if (count > exponent + 1) {
+            *pOut++ = pDecimalPoint;
+            pOut = std::copy_n(pDecimal.digits + exponent + 1, count - exponent - 1, pOut);
+        }
+        return pOut;
+    }
+    *pOut++ = '0';
+    *pOut++ = pDecimalPoint;
+    pOut = std::fill_n(pOut, -exponent - 1, '0');
+    return std::copy_n(pDecimal.digits, count, pOut);
+}
+
+// Parsing ------------------------------------------------------------------------------------
+
+// Significant digits kept when reading. A midpoint between two adjacent doubles has at most 767
+// significant digits, so keeping more than that and replacing whatever is dropped by one nonzero
+// "sticky" digit preserves correct rounding while bounding the work buffer.
+constexpr int kMaxParseDigits = 800;
+
+// Caps for the decimal exponent bookkeeping; far beyond any exponent that matters, far below
+// where 64-bit arithmetic could overflow.
+constexpr std::int64_t kExponentCap = 1'000'000'000'000'000;
+
+// The 15-digit text of the largest double, as written by WriteDouble.
+constexpr std::string_view kLargestDoubleDigits = "179769313486232";
+
+// Whether 0.<pDigits>[sticky] <= 0.179769313486232.
+bool AtMostLargestDoubleText(const char* pDigits, int pCount, bool pSticky) noexcept {
+    const int length = std::max(pCount, static_cast<int>(kLargestDoubleDigits.size()));
+    for (int i = 0; i < length; ++i) {
+        const char digit = i < pCount ? pDigits[i] : '0';
+        const char limit =
+            i < static_cast<int>(kLargestDoubleDigits.size()) ? kLargestDoubleDigits[i] : '0';
+        if (digit != limit) {
+            return digit < limit;
+        }
+    }
+    return !pSticky;
+}
+
+ParseStatus ParseGeneral(const char* pFirst, const char* pLast, char pDecimalPoint,
+                         char pGroupSeparator, double& pOut) noexcept {
+    while (pFirst != pLast && IsBlank(*pFirst)) {
+        ++pFirst;
+    }
+    while (pLast != pFirst && IsBlank(pLast[-1])) {
+        --pLast;
+    }
+    if (pFirst == pLast) {
+        return ParseStatus::TypeMismatch;
+    }
+
+    bool negative = false;
+    bool hasSign = false;
+    if (*pFirst == '+' || *pFirst == '-') {
+        negative = *pFirst == '-';
+        hasSign = true;
+        ++pFirst;
+    }
+    const std::string_view rest(pFirst, static_cast<std::size_t>(pLast - pFirst));
+    if (rest == "INF") {
+        pOut = negative ? -std::numeric_limits<double>::infinity()
+                        : std::numeric_limits<double>::infinity();
+        return ParseStatus::Ok;
+    }
+    if (!hasSign && rest == "NaN") {
+        pOut = std::numeric_limits<double>::quiet_NaN();
+        return ParseStatus::Ok;
+    }
+
+    const bool grouping = pGroupSeparator != '\0' && pGroupSeparator != pDecimalPoint &&
+                          !IsDigit(pGroupSeparator) && pGroupSeparator != '+' &&
+                          pGroupSeparator != '-' && pGroupSeparator != 'e' &&
+                          pGroupSeparator != 'E';
+
+    // The significant digits go into "0.<digits>e<exponent>" for std::from_chars; the value read
+    // is 0.<digits> * 10^pointExponent before the explicit exponent is applied.
+    char buffer[kMaxParseDigits + 40];
+    char* const digits = buffer + 2;
+    int count = 0;
+    bool sticky = false;
+    bool anyDigit = false;
+    std::int64_t pointExponent = 0;
+    const auto keep = [&](char pDigit) {
+        if (count < kMaxParseDigits) {
+            digits[count++] = pDigit;
+        } else if (pDigit != '0') {
+            sticky = true;
+        }
+    };
+
+    const char* p = pFirst;
+    while (p != pLast) {
+        if (IsDigit(*p)) {
+            if (*p != '0' || count > 0) {
+                keep(*p);
+                pointExponent = std::min(pointExponent + 1, kExponentCap);
+            }
+            anyDigit = true;
+            ++p;
+        } else if (grouping && *p == pGroupSeparator && anyDigit && p + 1 != pLast &&
+                   IsDigit(p[1])) {
+            ++p;
+        } else {
+            break;
+        }
+    }
+    if (p != pLast && *p == pDecimalPoint) {
+        ++p;
+        for (; p != pLast && IsDigit(*p); ++p) {
+            anyDigit = true;
+            if (*p != '0' || count > 0) {
+                keep(*p);
+            } else {
+                pointExponent = std::max(pointExponent - 1, -kExponentCap);
+            }
+        }
+    }
+    if (!anyDigit) {
+        return ParseStatus::TypeMismatch;
+    }
+
+    std::int64_t exponent = 0;
+    if (p != pLast && (*p == 'e' || *p == 'E')) {
+        ++p;
+        bool negativeExponent = false;
+        if (p != pLast && (*p == '+' || *p == '-')) {
+            negativeExponent = *p == '-';
+            ++p;
+        }
+        if (p == pLast || !IsDigit(*p)) {
+            return ParseStatus::TypeMismatch;
+        }
+        for (; p != pLast && IsDigit(*p); ++p) {
+            if (exponent < kExponentCap) {
+                exponent = exponent * 10 + (*p - '0');
+            }
+        }
+        if (negativeExponent) {
+            exponent = -exponent;
+        }
+    }
+    if (p != pLast) {
+        return ParseStatus::TypeMismatch;
+    }
+
+    const double zero = negative ? -0.0 : 0.0;
+    if (count == 0) {
+        pOut = zero;
+        return ParseStatus::Ok;
+    }
+    // The value is at least 10^(total - 1) and below 10^total.
+    const std::int64_t total = pointExponent + exponent;
+    const auto largest = [&] {
+        if (total == 309 && AtMostLargestDoubleText(digits, count, sticky)) {
+            pOut =
+                negative ? -std::numeric_limits<double>::max() : std::numeric_limits<double>::max();
+            return ParseStatus::Ok;
+        }
+        return ParseStatus::Overflow;
+    };
+    if (total > 309) {
+        return ParseStatus::Overflow;
+    }
+    if (total < -330) {
+        pOut = zero;
+        return ParseStatus::Ok;
+    }
+
+    buffer[0] = '0';
+    buffer[1] = '.';
+    char* end = digits + count;
+    if (sticky) {
+        *end++ = '1';
+    }
+    *end++ = 'e';
+    end = std::to_chars(end, buffer + sizeof buffer, total).ptr;
+    double value = 0;
+    const auto result = std::from_chars(buffer, end, value);
+    if (result.ec == std::errc::result_out_of_range) {
+        if (total > 0) {
+            return largest();
+        }
+        pOut = zero;
+        return ParseStatus::Ok;
+    }
+    if (result.ec != std::errc() || result.ptr != end) {
+        return ParseStatus::TypeMismatch; // not reached: the buffer is well formed
+    }
+    pOut = negative ? -value : value;
+    return ParseStatus::Ok;
+}
+
+} // namespace
+
+Decimal RoundDouble(double pValue) noexcept {
+    return RoundToSignificant(pValue, 15);
+}
+
+Decimal RoundSingle(float pValue) noexcept {
+    return RoundToSignificant(pValue, 7);
+}
+
+char* WriteDouble(char* pOut, double pValue, char pDecimalPoint) noexcept {
+    if (!std::isfinite(pValue)) {
+        return WriteNonFinite(pOut, pValue);
+    }
+    return WriteGeneral(pOut, RoundDouble(pValue), 15, pDecimalPoint);
+}
+
+char* WriteSingle(char* pOut, float pValue, char pDecimalPoint) noexcept {
+    if (!std::isfinite(pValue)) {
+        return WriteNonFinite(pOut, static_cast<double>(pValue));
+    }
+    return WriteGeneral(pOut, RoundSingle(pValue), 7, pDecimalPoint);
+}
+
+char* WriteFixed(char* pOut, double pValue, int pPlaces, char pDecimalPoint) noexcept {
+    if (!std::isfinite(pValue)) {
+        return WriteNonFinite(pOut, pValue);
+    }
+    const int places = std::clamp(pPlaces, 0, kMaxFixedPlaces);
+    Decimal decimal = RoundDouble(pValue);
+    RoundDigits(decimal, decimal.exponent + 1 + places);
+    if (decimal.count > 0 && decimal.negative) {
+        *pOut++ = '-';
+    }
+    if (decimal.count > 0 && decimal.exponent >= 0) {
+        for (int i = 0; i <= decimal.exponent; ++i) {
+            *pOut++ = DigitAt(decimal, i);
+        }
+    } else {
+        *pOut++ = '0';
+    }
+    if (places > 0) {
+        *pOut++ = pDecimalPoint;
+        for (int i = 1; i <= places; ++i) {
+            *pOut++ = decimal.count > 0 ? DigitAt(decimal, decimal.exponent + i) : '0';
+        }
+    }
+    return pOut;
+}
+
+char* WriteScientific(char* pOut, double pValue, char pDecimalPoint) noexcept {
+    if (!std::isfinite(pValue)) {
+        return WriteNonFinite(pOut, pValue);
+    }
+    Decimal decimal = RoundDouble(pValue);
+    if (decimal.count == 0) {
+        decimal.exponent = 0;
+    } else {
+        RoundDigits(decimal, 3);
+        if (decimal.negative) {
+            *pOut++ = '-';
+        }
+    }
+    *pOut++ = DigitAt(decimal, 0);
+    *pOut++ = pDecimalPoint;
+    *pOut++ = DigitAt(decimal, 1);
+    *pOut++ = DigitAt(decimal, 2);
+    return WriteExponent(pOut, decimal.exponent);
+}
+
+ParseStatus ParseDouble(std::string_view pText, char pDecimalPoint, char pGroupSeparator,
+                        double& pOut) noexcept {
+    const char* first = pText.data();
+    const char* last = first + pText.size();
+    // Most saved numbers are "[-]digits[.digits][e[+-]digits]" with nothing around them, which
+    // std::from_chars reads as they stand. It never consumes a '+', a group separator or a blank,
+    // and it only reads "inf"/"nan" when they come first, so a full match is also a match of the
+    // general grammar; everything else takes the general path.
+    if (pDecimalPoint == '.' && first != last) {
+        const char* digit = *first == '-' ? first + 1 : first;
+        if (digit != last && IsDigit(*digit)) {
+            double value = 0;
+            const auto result = std::from_chars(first, last, value);
+            if (result.ec == std::errc() && result.ptr == last) {
+                pOut = value;
+                return ParseStatus::Ok;
+            }
+        }
+    }
+    return ParseGeneral(first, last, pDecimalPoint, pGroupSeparator, pOut);
+}
+
+} // namespace trv5::numbertext

@@ -1,0 +1,55 @@
+#include "foundation/serialization.h"
+
+#include "foundation/numbertext.h"
+
+#include <trv5charts/charterror.h>
+#include <trv5charts/localizationlib.h>
+
+#include <charconv>
+#include <cstring>
+
+namespace trv5::serialization {
+
+bool HasPrefix(const QString& pText, const char* pPrefix) {
+    return pText.startsWith(QLatin1String(pPrefix), Qt::CaseSensitive);
+}
+
+void AppendNumber(std::string& pOut, double pValue) {
+    char buffer[numbertext::kMaxDoubleText];
+    const char* end = numbertext::WriteDouble(buffer, pValue, '.');
+    pOut.append(buffer, static_cast<std::size_t>(end - buffer));
+}
+
+void AppendWhole(std::string& pOut, std::int64_t pValue) {
+    char buffer[24];
+    const std::to_chars_result result = std::to_chars(buffer, buffer + sizeof buffer, pValue);
+    pOut.append(buffer, static_cast<std::size_t>(result.ptr - buffer));
+}
+
+double ReadNumber(std::string_view pText) {
+    double value = 0.0;
+    switch (numbertext::ParseDouble(pText, '.', ',', value)) {
+    case numbertext::ParseStatus::Ok:
+        return value;
+    case numbertext::ParseStatus::Overflow:
+        throw ChartError(ChartError::Overflow);
+    case numbertext::ParseStatus::TypeMismatch:
+        break;
+    }
+    throw ChartError(ChartError::TypeMismatch);
+}
+
+std::int32_t ReadWhole(std::string_view pText) {
+    return LocalizationLib::ToInt32(ReadNumber(pText));
+}
+
+std::string ToUtf8(const QString& pText) {
+    const QByteArray utf8 = pText.toUtf8();
+    return std::string(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+}
+
+QString FromUtf8(std::string_view pText) {
+    return QString::fromUtf8(pText.data(), static_cast<qsizetype>(pText.size()));
+}
+
+} // namespace trv5::serialization

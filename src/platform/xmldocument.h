@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QString>
+
+#include <pugixml.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trv5::platform {
+
+// One element of a loaded document. A null node stands for "not found".
+class XmlNode {
+public:
+    XmlNode() = default;
+    explicit XmlNode(pugi::xml_node pNode) : m_node(pNode) {}
+
+    bool IsNull() const { return !m_node; }
+    std::string_view Name() const;
+
+    // Attributes are addressed by position: the saved formats are positional, so the order in
+    // which a fragment lists them decides which field each value lands in.
+    int AttributeCount() const;
+    // Throws ChartError 9 when the element has fewer attributes.
+    std::string_view AttributeValue(int pIndex) const;
+    void SetAttributeValue(int pIndex, std::string_view pValue);
+
+    // All character data below the element, in document order.
+    std::string Text() const;
+    void SetText(std::string_view pText);
+
+    // The element and its descendants as compact XML (no declaration, no indentation).
+    std::string Xml() const;
+    void AppendXml(std::string& pOut) const;
+
+    // The next element on the same level.
+    XmlNode NextSibling() const;
+
+private:
+    pugi::xml_node m_node;
+};
+
+// A parsed XML document. Only well-formed text with exactly one root element loads; DTDs are
+// never expanded, so a fragment cannot pull in entities or external files.
+class XmlDocument {
+public:
+    bool LoadXml(std::string_view pText);
+    bool LoadXml(const QString& pText);
+
+    XmlNode DocumentElement() const;
+    // Absolute XPath queries such as "//rtchart/chartaxis/axis". A malformed query yields a null
+    // node or an empty list.
+    XmlNode SelectSingleNode(const char* pQuery) const;
+    std::vector<XmlNode> SelectNodes(const char* pQuery) const;
+
+private:
+    pugi::xml_document m_document;
+};
+
+} // namespace trv5::platform

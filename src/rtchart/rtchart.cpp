@@ -1,0 +1,549 @@
+#include <trv5charts/rtchart.h>
+
+#include "foundation/numbertext.h"
+#include "foundation/serialization.h"
+#include "platform/colour.h"
+#include "platform/xmldocument.h"
+
+#include <trv5charts/axisrange.h>
+#include <trv5charts/charterror.h>
+#include <trv5charts/colorconverter.h>
+#include <trv5charts/hostsettings.h>
+#include <trv5charts/localizationlib.h>
+#include <trv5charts/mathhelper.h>
+
+#include <QLabel>
+
+#include <algorithm>
+#include <utility>
+
+namespace trv5 {
+
+namespace {
+
+// The chart standardizes arrays beyond this bound; ten times the bound a series applies to
+// its own preparation, so that data a series would keep as it is stays untouched here too.
+constexpr double kStandardizeLimit = 90'000'000.0;
+
+constexpr char kGenerationHeader[] = "Generation";
+constexpr char kRecordHeader[] = "Record ID";
+
+void AppendUserNumber(std::string& pOut, double pValue, char pDecimalPoint) {
+    char buffer[numbertext::kMaxDoubleText];
+    const char* end = numbertext::WriteDouble(buffer, pValue, pDecimalPoint);
+    pOut.append(buffer, static_cast<std::size_t>(end - buffer));
+}
+
+} // namespace
+
+RTChart::RTChart(QWidget* pParent)
+    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)),
+      m_lineMenuChecked(true), m_lineMenuCaption(QStringLiteral("Show Line")) {
+    for (QLabel*& label : lblOrigin) {
+        label = new QLabel(this);
+    }
+    for (QLabel*& label : lblScale) {
+        label = new QLabel(this);
+    }
+    lblLineLegend = new QLabel(this);
+    lblLineLegend->hide();
+    // One legend label exists from the start; further ones are added as series arrive.
+    lblLegend.push_back(new QLabel(this));
+    lblLegend.front()->hide();
+    SetBackColor(m_backColor);
+}
+
+RTChart::~RTChart() = default;
+
+void RTChart::ApplyBackColor(QWidget* pWidget) const {
+    QPalette palette = pWidget->palette();
+    palette.setColor(QPalette::Window, platform::ToQColor(m_backColor));
+    pWidget->setPalette(palette);
+    pWidget->setAutoFillBackground(true);
+}
+
+void RTChart::SetBackColor(std::int32_t pColour) {
+    m_backColor = pColour;
+    ApplyBackColor(this);
+    for (QLabel* label : lblOrigin) {
+        ApplyBackColor(label);
+    }
+    for (QLabel* label : lblScale) {
+        ApplyBackColor(label);
+    }
+}
+
+void RTChart::SetMainYAxis(std::shared_ptr<Axis> pAxis) {
+    m_axes[0] = std::move(pAxis);
+}
+
+void RTChart::SetSecondaryYAxis(std::shared_ptr<Axis> pAxis) {
+    m_axes[1] = std::move(pAxis);
+}
+
+std::int32_t RTChart::AddSeries(std::shared_ptr<Series> pSeries, bool pDrawOnSecondaryAxis,
+                                const QString& pName) {
+    if (m_seriesCount > kMaxSeries - 1) {
+        throw ChartError(ChartError::TooManySeries);
+    }
+    if (!pSeries) {
+        pSeries = std::make_shared<Series>();
+        pSeries->SetDrawOnSecondaryAxis(pDrawOnSecondaryAxis);
+        pSeries->SetName(pName);
+    }
+    m_series[static_cast<std::size_t>(m_seriesCount)] = pSeries;
+
+    if (static_cast<std::size_t>(m_seriesCount) > lblLegend.size() - 1) {
+        lblLegend.push_back(new QLabel(this));
+    }
+    // The caption goes to the highest label, which after a Reset is not the new series' own
+    // label; the legend is laid out from all visible labels, so the order stays right.
+    QLabel* label = lblLegend.back();
+    label->setText(pSeries->Name());
+    ApplyBackColor(label);
+    label->setVisible(true);
+
+    return m_seriesCount++;
+}
+
+std::shared_ptr<Series> RTChart::GetSeries(std::int32_t pIndex) const {
+    if (pIndex < 0 || pIndex >= kMaxSeries) {
+        throw ChartError(ChartError::IndexOutOfRange,
+                         QStringLiteral("Series index %1 is outside 0 to 20").arg(pIndex));
+    }
+    return m_series[static_cast<std::size_t>(pIndex)];
+}
+
+Series& RTChart::SlotAt(std::int32_t pIndex) const {
+    const std::shared_ptr<Series> series = GetSeries(pIndex);
+    if (!series) {
+        throw ChartError(ChartError::ObjectNotSet,
+                         QStringLiteral("No series has been added at index %1").arg(pIndex));
+    }
+    return *series;
+}
+
+void RTChart::SetSeriesData(std::int32_t pIndex, std::span<const double> pData) {
+    serialization::RunTrapped([&] {
+        SlotAt(pIndex).SetData(pData);
+        m_dataChanged = true;
+        m_singleSeries = false;
+    });
+}
+
+void RTChart::SetSeriesData2(std::int32_t pIndex, std::span<const double> pData,
+                             std::span<const std::int32_t> pIndexes) {
+    serialization::RunTrapped([&] {
+        SlotAt(pIndex).SetData2(pData, pIndexes);
+        m_dataChanged = true;
+        m_singleSeries = false;
+    });
+}
+
+void RTChart::SetSeriesData3(std::int32_t pIndex, std::span<const double> pData,
+                             std::span<const std::int32_t> pIndexes, Replacements pReplacements) {
+    serialization::RunTrapped([&] {
+        SlotAt(pIndex).SetData3(pData, pIndexes, std::move(pReplacements));
+        m_dataChanged = true;
+        m_singleSeries = false;
+    });
+}
+
+bool RTChart::NeedsStandardizing(std::span<const double> pValues) const {
+    const MathHelper::MinMaxValues extremes = MathHelper::ComputeMinMax(pValues, -1);
+    return !(extremes.Maximum <= kStandardizeLimit && extremes.Minimum >= -kStandardizeLimit);
+}
+
+std::vector<double> RTChart::StandardizeForChart(std::span<const double> pValues) {
+    // The line is moved with the data so that it keeps its place relative to it.
+    if (m_lineShown) {
+        return MathHelper::StandardizeWithValue(pValues, m_lineValue);
+    }
+    return MathHelper::Standardize(pValues);
+}
+
+void RTChart::GiveData(Series& pSeries, std::span<const double> pData,
+                       std::span<const std::int32_t> pIndexes, const Replacements& pReplacements) {
+    if (pReplacements) {
+        pSeries.SetData3(pData, pIndexes, pReplacements);
+    } else {
+        pSeries.SetData2(pData, pIndexes);
+    }
+}
+
+void RTChart::SetSeriesData4(std::span<const double> pData1, std::span<const double> pData2,
+                             std::span<const std::int32_t> pIndexes, Replacements pReplacements1,
+                             Replacements pReplacements2) {
+    serialization::RunTrapped([&] {
+        if (NeedsStandardizing(pData1)) {
+            const std::vector<double> standardized = StandardizeForChart(pData1);
+            GiveData(SlotAt(0), standardized, pIndexes, pReplacements1);
+            GiveData(SlotAt(1), standardized, pIndexes, pReplacements2);
+        } else {
+            GiveData(SlotAt(0), pData1, pIndexes, pReplacements1);
+            GiveData(SlotAt(1), pData2, pIndexes, pReplacements2);
+        }
+        RecomputeAxisRanges();
+        m_dataChanged = true;
+        m_singleSeries = false;
+    });
+}
+
+void RTChart::SetSeriesDataWithReplacement(std::span<const double> apModel,
+                                           std::span<const double> pTarget,
+                                           std::span<const std::int32_t> pIndexes,
+                                           Replacements pReplacements) {
+    serialization::RunTrapped([&] {
+        Series& target = SlotAt(0);
+        Series& model = SlotAt(1);
+        if (!NeedsStandardizing(apModel)) {
+            target.RemoveOriginalData();
+            model.RemoveOriginalData();
+            target.SetData3(pTarget, pIndexes, pReplacements);
+            model.SetData2(apModel, pIndexes);
+        } else {
+            const std::vector<double> standardized = StandardizeForChart(apModel);
+            const MathHelper::MinMaxValues modelExtremes =
+                MathHelper::ComputeMinMax(standardized, -1);
+            const double targetMinimum = MathHelper::ComputeMinMax(pTarget, -1).Minimum;
+            // The target is two-valued: its low class goes to the bottom of the standardized
+            // model and everything else to the top, so both stay on the same scale.
+            std::vector<double> mappedTarget(pTarget.begin(), pTarget.end());
+            for (double& value : mappedTarget) {
+                value = value == targetMinimum ? modelExtremes.Minimum : modelExtremes.Maximum;
+            }
+            target.SetData3(mappedTarget, pIndexes, pReplacements);
+            target.SetOriginalData(pTarget);
+            model.SetData2(standardized, pIndexes);
+            model.SetOriginalData(apModel);
+        }
+        m_dataChanged = true;
+        m_singleSeries = false;
+    });
+}
+
+void RTChart::SetSeriesData5(std::span<const double> pData, std::span<const std::int32_t> pIndexes,
+                             Replacements pReplacements) {
+    serialization::RunTrapped([&] {
+        if (NeedsStandardizing(pData)) {
+            GiveData(SlotAt(0), StandardizeForChart(pData), pIndexes, pReplacements);
+        } else {
+            GiveData(SlotAt(0), pData, pIndexes, pReplacements);
+        }
+        m_singleSeries = true;
+        RecomputeAxisRanges();
+        m_dataChanged = true;
+    });
+}
+
+void RTChart::RecomputeAxisRanges() {
+    // Without host settings there is no margin to read, and the data range is used as it is.
+    const double margin = Globals::HasConfig() ? SettingsMargin() : 0.0;
+    const Series& first = SlotAt(0);
+    ValueRange range = PaddedRange(first.GetMinValue(), first.GetMaxValue(), margin);
+    if (m_sortBothStandardizedSeries) {
+        const Series& second = SlotAt(1);
+        const ValueRange other = PaddedRange(second.GetMinValue(), second.GetMaxValue(), margin);
+        const double highs[] = {range.Maximum, other.Maximum};
+        const double lows[] = {range.Minimum, other.Minimum};
+        std::int32_t whole = -1;
+        range.Maximum = MathHelper::ArrayMax(highs, whole);
+        whole = -1;
+        range.Minimum = MathHelper::ArrayMin(lows, whole);
+    }
+    for (const std::shared_ptr<Axis>& axis : m_axes) {
+        if (axis) {
+            axis->Init(range.Minimum, range.Maximum, axis->IsSecondaryAxis());
+        }
+    }
+}
+
+void RTChart::ClearSeriesData(std::int32_t pIndex) {
+    SlotAt(pIndex).ClearData();
+}
+
+void RTChart::AddPoint(std::int32_t pIndex, double pValue) {
+    SlotAt(pIndex).AddPoint(pValue);
+    m_dataChanged = true;
+}
+
+void RTChart::SetPoint(std::int32_t pIndex, PointType pPoint) {
+    if (const std::shared_ptr<Series> series = GetSeries(pIndex)) {
+        series->SetPoint(pPoint);
+        m_dataChanged = true;
+    }
+}
+
+void RTChart::SetDataType(std::int32_t pIndex, XSeriesDataType pDataType) {
+    if (const std::shared_ptr<Series> series = GetSeries(pIndex)) {
+        series->SetDataType(pDataType);
+    }
+}
+
+void RTChart::Refresh() {
+    update();
+}
+
+void RTChart::Clear() {
+    m_dataChanged = false;
+    Refresh();
+}
+
+void RTChart::Reset() {
+    for (std::int32_t i = 0; i < m_seriesCount; ++i) {
+        if (const std::shared_ptr<Series>& series = m_series[static_cast<std::size_t>(i)]) {
+            series->ClearData();
+        }
+    }
+    m_seriesCount = 0;
+    Clear();
+}
+
+void RTChart::SetLastGenerationForCopy(std::int32_t pLastGeneration) {
+    m_lastGeneration = pLastGeneration;
+}
+
+void RTChart::AddHorizontalLine(double pValue, const QString& pLegendText,
+                                const QString& pMenuCaption) {
+    m_lineShown = m_lineMenuChecked;
+    m_lineValue = pValue;
+    lblLineLegend->setVisible(m_lineShown);
+    lblLineLegend->setText(pLegendText);
+    QPalette palette = lblLineLegend->palette();
+    palette.setColor(QPalette::WindowText, platform::ToQColor(m_lineColour));
+    lblLineLegend->setPalette(palette);
+    m_lineMenuCaption = pMenuCaption;
+    m_lineMenuVisible = true;
+}
+
+void RTChart::UpdateHorizontalLine(double pValue) {
+    m_lineValue = pValue;
+}
+
+void RTChart::HideHorizontalLine() {
+    m_lineValue = kNoLine;
+    m_lineShown = false;
+}
+
+void RTChart::StopAddingHorizontalLine() {
+    m_lineMenuVisible = false;
+}
+
+void RTChart::ToggleHorizontalLine() {
+    m_lineMenuChecked = !m_lineMenuChecked;
+    m_lineShown = m_lineMenuChecked;
+    lblLineLegend->setVisible(m_lineShown);
+    Refresh();
+}
+
+QString RTChart::LineLegendText() const {
+    return lblLineLegend->text();
+}
+
+bool RTChart::IsLineLegendVisible() const {
+    return lblLineLegend->isVisibleTo(this);
+}
+
+QStringList RTChart::LegendCaptions() const {
+    QStringList captions;
+    for (const QLabel* label : lblLegend) {
+        if (label->isVisibleTo(this)) {
+            captions << label->text();
+        }
+    }
+    return captions;
+}
+
+void RTChart::AppendXml(std::string& pOut) {
+    pOut.append(serialization::kChartPrefix);
+    serialization::AppendWhole(pOut, m_seriesCount);
+    pOut.append("' lastgeneration='");
+    serialization::AppendWhole(pOut, m_lastGeneration);
+    pOut.append("' linevalue='");
+    // The line value is written in the user's locale while it is read in the fixed culture;
+    // hosts depend on the attribute as it has always been written.
+    if (m_lineShown) {
+        AppendUserNumber(pOut, m_lineValue, LocalizationLib::UserDecimalPointChar());
+    }
+    pOut.append("'><chartaxis>");
+    for (const std::shared_ptr<Axis>& axis : m_axes) {
+        if (axis) {
+            axis->AppendXml(pOut);
+        }
+    }
+    pOut.append("</chartaxis><dataseries>");
+    for (std::int32_t i = 0; i < m_seriesCount; ++i) {
+        SlotAt(i).AppendXml(pOut);
+    }
+    pOut.append("</dataseries></rtchart>");
+}
+
+QString RTChart::ToString() {
+    std::string xml;
+    if (!serialization::RunTrapped([&] { AppendXml(xml); })) {
+        return {};
+    }
+    return serialization::FromUtf8(xml);
+}
+
+void RTChart::FromString(const QString& pText) {
+    if (pText.isEmpty()) {
+        return;
+    }
+    platform::XmlDocument document;
+    if (!document.LoadXml(pText)) {
+        return;
+    }
+    const bool complete = serialization::RunTrapped([&] {
+        const platform::XmlNode root = document.DocumentElement();
+        const int attributes = root.AttributeCount();
+        if (attributes >= 2) {
+            m_lastGeneration = serialization::ReadWhole(root.AttributeValue(1));
+        }
+        if (attributes >= 3) {
+            const std::string_view lineValue = root.AttributeValue(2);
+            m_lineShown = !lineValue.empty();
+            if (m_lineShown) {
+                m_lineValue = serialization::ReadNumber(lineValue);
+            }
+        }
+
+        const platform::XmlNode mainAxis = document.SelectSingleNode("//rtchart/chartaxis/axis");
+        if (!mainAxis.IsNull()) {
+            auto axis = std::make_shared<Axis>();
+            SetMainYAxis(axis);
+            serialization::RunTrapped([&] { axis->ReadElement(mainAxis); });
+            const platform::XmlNode secondaryAxis = mainAxis.NextSibling();
+            if (!secondaryAxis.IsNull()) {
+                auto secondary = std::make_shared<Axis>();
+                SetSecondaryYAxis(secondary);
+                serialization::RunTrapped([&] { secondary->ReadElement(secondaryAxis); });
+            }
+        }
+
+        for (const platform::XmlNode& node : document.SelectNodes("//rtchart/dataseries/series")) {
+            auto series = std::make_shared<Series>();
+            serialization::RunTrapped([&] { series->ReadElement(node); });
+            AddSeries(series, false, QString());
+        }
+        m_dataChanged = true;
+        Refresh();
+    });
+    m_dataChanged = complete;
+}
+
+bool RTChart::IsTypeOf(const QString& pText) {
+    return serialization::HasPrefix(pText, serialization::kChartPrefix);
+}
+
+QString RTChart::GetChartDataAsString() {
+    if (m_seriesCount == 0) {
+        return {};
+    }
+    std::string text;
+    const bool byRecord = m_series[0] && m_series[0]->HasIndexes();
+    if (byRecord) {
+        AppendRecordRows(text);
+    } else {
+        AppendGenerationRows(text);
+    }
+    return serialization::FromUtf8(text);
+}
+
+namespace {
+
+void AppendHeader(std::string& pOut, const char* pFirstColumn,
+                  const std::array<std::shared_ptr<Series>, RTChart::kMaxSeries>& pSeries,
+                  std::int32_t pCount) {
+    bool first = true;
+    if (pFirstColumn != nullptr) {
+        pOut.append(pFirstColumn);
+        first = false;
+    }
+    for (std::int32_t s = 0; s < pCount; ++s) {
+        if (!first) {
+            pOut.push_back('\t');
+        }
+        first = false;
+        if (const std::shared_ptr<Series>& series = pSeries[static_cast<std::size_t>(s)]) {
+            pOut.append(serialization::ToUtf8(series->Name()));
+        }
+    }
+    pOut.append("\r\n");
+}
+
+// A cell whose value cannot be read (an empty slot, a series shorter than series 0) is left
+// empty rather than filled with a number that was never there.
+template <class Read>
+void AppendCell(std::string& pOut, const std::shared_ptr<Series>& pSeries, Read&& pRead,
+                char pDecimalPoint) {
+    if (!pSeries) {
+        return;
+    }
+    try {
+        AppendUserNumber(pOut, pRead(*pSeries), pDecimalPoint);
+    } catch (const ChartError&) {
+    }
+}
+
+} // namespace
+
+void RTChart::AppendGenerationRows(std::string& pOut) {
+    const char decimalPoint = LocalizationLib::UserDecimalPointChar();
+    const std::size_t count = static_cast<std::size_t>(m_seriesCount);
+    AppendHeader(pOut, m_lastGeneration != 0 ? kGenerationHeader : nullptr, m_series,
+                 m_seriesCount);
+    const std::shared_ptr<Series>& first = m_series[0];
+    // Rows stop at the last value slot series 0 really has: a damaged saved state may claim a
+    // newest point far beyond its values, and that claim must not turn into billions of rows.
+    const std::int32_t last =
+        first ? static_cast<std::int32_t>(std::clamp<std::int64_t>(
+                    first->LastPoint(), -1, static_cast<std::int64_t>(first->Values().size()) - 1))
+              : -1;
+    pOut.reserve(pOut.size() + static_cast<std::size_t>(last + 1) * count * 20);
+    for (std::int32_t r = 0; r <= last; ++r) {
+        if (m_lastGeneration != 0) {
+            serialization::AppendWhole(pOut,
+                                       static_cast<std::int64_t>(m_lastGeneration) - last + r);
+            pOut.push_back('\t');
+        }
+        for (std::size_t s = 0; s < count; ++s) {
+            if (s != 0) {
+                pOut.push_back('\t');
+            }
+            AppendCell(
+                pOut, m_series[s], [r](const Series& series) { return series.GetValue(r); },
+                decimalPoint);
+        }
+        pOut.append("\r\n");
+    }
+}
+
+void RTChart::AppendRecordRows(std::string& pOut) {
+    const char decimalPoint = LocalizationLib::UserDecimalPointChar();
+    const std::size_t count = static_cast<std::size_t>(m_seriesCount);
+    AppendHeader(pOut, kRecordHeader, m_series, m_seriesCount);
+    // As above: the rows are the values series 0 has, whatever count it claims.
+    const std::int32_t rows = static_cast<std::int32_t>(std::min<std::int64_t>(
+        m_series[0]->Count(), static_cast<std::int64_t>(m_series[0]->Values().size())));
+    pOut.reserve(pOut.size() + static_cast<std::size_t>(std::max(rows, 0)) * (count + 1) * 20);
+    for (std::int32_t r = 0; r < rows; ++r) {
+        try {
+            serialization::AppendWhole(pOut, m_series[0]->IndexOfPoint(r));
+        } catch (const ChartError&) {
+        }
+        for (std::size_t s = 0; s < count; ++s) {
+            pOut.push_back('\t');
+            AppendCell(
+                pOut, m_series[s],
+                [r](const Series& series) {
+                    return series.HasOriginalData() ? series.GetOriginalValue(r)
+                                                    : series.GetValue(r);
+                },
+                decimalPoint);
+        }
+        pOut.append("\r\n");
+    }
+}
+
+} // namespace trv5

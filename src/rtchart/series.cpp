@@ -1,0 +1,333 @@
+#include <trv5charts/series.h>
+
+#include "foundation/serialization.h"
+#include "platform/xmldocument.h"
+
+#include <trv5charts/charterror.h>
+#include <trv5charts/localizationlib.h>
+#include <trv5charts/mathhelper.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace trv5 {
+
+namespace {
+
+constexpr char kTemplate[] = "<series name='' min='' max='' settype='' drawsec='' point='' "
+                             "colour='' count='' datatype='' lastpoint=''></series>";
+enum AttributePosition {
+    kName,
+    kMin,
+    kMax,
+    kSetType,
+    kDrawSecondary,
+    kPoint,
+    kColour,
+    kCount,
+    kDataType,
+    kLastPoint
+};
+
+// Arrays below this bound or above its negative are standardized before they are kept; values
+// of that size would make the series unreadable next to the others.
+constexpr double kPrepareLimit = 9'000'000.0;
+
+double At(std::span<const double> pValues, std::int32_t pIndex) {
+    if (pIndex < 0 || static_cast<std::size_t>(pIndex) >= pValues.size()) {
+        throw ChartError(ChartError::IndexOutOfRange);
+    }
+    return pValues[static_cast<std::size_t>(pIndex)];
+}
+
+std::int32_t LastIndexOf(std::span<const double> pValues) {
+    if (pValues.empty()) {
+        throw ChartError(ChartError::IndexOutOfRange);
+    }
+    if (pValues.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+        throw ChartError(ChartError::Overflow);
+    }
+    return static_cast<std::int32_t>(pValues.size() - 1);
+}
+
+// A value rounded to ten decimals as decimal text would round it (ties to even), so that keys
+// built from computed values match the keys the host wrote.
+double RoundToTenDecimals(double pValue) {
+    if (!std::isfinite(pValue) || std::fabs(pValue) >= 1e15) {
+        return pValue;
+    }
+    char buffer[64];
+    const std::to_chars_result written =
+        std::to_chars(buffer, buffer + sizeof buffer, pValue, std::chars_format::fixed, 10);
+    double rounded = pValue;
+    std::from_chars(buffer, written.ptr, rounded);
+    return rounded;
+}
+
+} // namespace
+
+std::int32_t Series::Count() {
+    if (m_valuesAllocated && static_cast<std::size_t>(std::max(m_count, 0)) > m_values.size()) {
+        m_count = static_cast<std::int32_t>(m_values.size());
+    }
+    return m_count;
+}
+
+void Series::Init(std::int32_t pCount, double pMinimum, double pMaximum, DataSettingType pSetType,
+                  bool pDrawOnSecondaryAxis) {
+    if (pCount < 0) {
+        throw ChartError(
+            ChartError::IndexOutOfRange,
+            QStringLiteral("A series cannot have a negative capacity (%1)").arg(pCount));
+    }
+    if (pSetType == DripFeed) {
+        // One slot more than the capacity: the mirror slot of the ring.
+        m_values.assign(static_cast<std::size_t>(pCount) + 1, 0.0);
+        m_valuesAllocated = true;
+    }
+    m_count = pCount;
+    m_minimum = pMinimum;
+    m_maximum = pMaximum;
+    m_drawOnSecondaryAxis = pDrawOnSecondaryAxis;
+    m_setType = pSetType;
+    m_lastPoint = -1;
+    m_dataReady = false;
+}
+
+void Series::AddPoint(double pValue) {
+    const std::int32_t next = m_lastPoint + 1;
+    if (!m_valuesAllocated || next < 0 || static_cast<std::size_t>(next) >= m_values.size()) {
+        throw ChartError(ChartError::IndexOutOfRange,
+                         QStringLiteral("The series \"%1\" has no slot for another point; "
+                                        "initialise it as a drip-feed series first")
+                             .arg(m_name));
+    }
+    m_lastPoint = next;
+    m_values[static_cast<std::size_t>(next)] = pValue;
+    if (m_lastPoint == m_count) {
+        m_lastPoint = 0;
+        m_values[0] = pValue;
+    }
+    m_dataReady = true;
+}
+
+void Series::SetData(std::span<const double> pValues) {
+    const std::int32_t last = LastIndexOf(pValues);
+    m_values.assign(pValues.begin(), pValues.end());
+    m_valuesAllocated = true;
+    m_lastPoint = last;
+    m_dataReady = true;
+}
+
+void Series::SetData2(std::span<const double> pValues, std::span<const std::int32_t> pIndexes) {
+    SetData(pValues);
+    m_indexes.assign(pIndexes.begin(), pIndexes.end());
+    m_hasIndexes = true;
+}
+
+void Series::SetData3(std::span<const double> pValues, std::span<const std::int32_t> pIndexes,
+                      Replacements pReplacements) {
+    SetData2(pValues, pIndexes);
+    m_replacements = std::move(pReplacements);
+}
+
+void Series::SetOriginalData(std::span<const double> pValues) {
+    m_originalValues.assign(pValues.begin(), pValues.end());
+    m_hasOriginalData = true;
+}
+
+void Series::RemoveOriginalData() {
+    m_originalValues.clear();
+    m_originalValues.shrink_to_fit();
+    m_hasOriginalData = false;
+}
+
+void Series::ClearData() {
+    m_replacements.reset();
+    m_indexes.clear();
+    m_indexes.shrink_to_fit();
+    m_values.clear();
+    m_values.shrink_to_fit();
+    m_valuesAllocated = false;
+    m_dataReady = false;
+}
+
+double Series::GetValue(std::int32_t pIndex) const {
+    return m_dataReady ? At(m_values, pIndex) : 0.0;
+}
+
+double Series::GetOriginalValue(std::int32_t pIndex) const {
+    return m_dataReady ? At(m_originalValues, pIndex) : 0.0;
+}
+
+double Series::GetMinValue() const {
+    std::int32_t whole = -1;
+    return m_dataReady ? MathHelper::ArrayMin(m_values, whole) : 0.0;
+}
+
+double Series::GetMaxValue() const {
+    std::int32_t whole = -1;
+    return m_dataReady ? MathHelper::ArrayMax(m_values, whole) : 0.0;
+}
+
+double Series::GetOriginalMinValue() const {
+    std::int32_t whole = -1;
+    return m_dataReady ? MathHelper::ArrayMin(m_originalValues, whole) : 0.0;
+}
+
+double Series::GetOriginalMaxValue() const {
+    std::int32_t whole = -1;
+    return m_dataReady ? MathHelper::ArrayMax(m_originalValues, whole) : 0.0;
+}
+
+void Series::PrepareValues(std::span<const double> pInput, std::vector<double>& pOutput) {
+    const MathHelper::MinMaxValues extremes = MathHelper::ComputeMinMax(pInput, -1);
+    if (extremes.Minimum <= kPrepareLimit && extremes.Maximum >= -kPrepareLimit) {
+        pOutput.assign(pInput.begin(), pInput.end());
+        m_standardized = false;
+    } else {
+        pOutput = MathHelper::Standardize(pInput);
+        m_standardized = true;
+    }
+}
+
+std::int32_t Series::IndexOfPoint(std::int32_t pIndex) const {
+    if (!m_dataReady || !m_hasIndexes) {
+        return 0;
+    }
+    if (pIndex < 0 || static_cast<std::size_t>(pIndex) >= m_indexes.size()) {
+        throw ChartError(ChartError::IndexOutOfRange);
+    }
+    return m_indexes[static_cast<std::size_t>(pIndex)];
+}
+
+double Series::DisplayedValue(std::int32_t pIndex) const {
+    if (!m_dataReady) {
+        return 0.0;
+    }
+    if (!m_replacements) {
+        return GetValue(pIndex);
+    }
+    const QString key = LocalizationLib::DoubleToUserText(RoundToTenDecimals(GetValue(pIndex)));
+    return m_replacements->value(key, 0.0);
+}
+
+void Series::AppendXml(std::string& pOut) {
+    if (!m_dataReady) {
+        return;
+    }
+    platform::XmlDocument document;
+    document.LoadXml(std::string_view(kTemplate));
+    platform::XmlNode element = document.DocumentElement();
+    std::string text;
+    element.SetAttributeValue(kName, serialization::ToUtf8(m_name));
+    serialization::AppendNumber(text, m_minimum);
+    element.SetAttributeValue(kMin, text);
+    text.clear();
+    serialization::AppendNumber(text, m_maximum);
+    element.SetAttributeValue(kMax, text);
+    text.clear();
+    serialization::AppendWhole(text, m_setType);
+    element.SetAttributeValue(kSetType, text);
+    element.SetAttributeValue(kDrawSecondary, m_drawOnSecondaryAxis ? "1" : "0");
+    text.clear();
+    serialization::AppendWhole(text, m_point);
+    element.SetAttributeValue(kPoint, text);
+    text.clear();
+    serialization::AppendWhole(text, m_colour);
+    element.SetAttributeValue(kColour, text);
+    text.clear();
+    serialization::AppendWhole(text, Count());
+    element.SetAttributeValue(kCount, text);
+    text.clear();
+    serialization::AppendWhole(text, m_dataType);
+    element.SetAttributeValue(kDataType, text);
+    text.clear();
+    serialization::AppendWhole(text, m_lastPoint);
+    element.SetAttributeValue(kLastPoint, text);
+
+    text.clear();
+    text.reserve(m_values.size() * 20);
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        if (i != 0) {
+            text.push_back('|');
+        }
+        serialization::AppendNumber(text, m_values[i]);
+    }
+    element.SetText(text);
+    element.AppendXml(pOut);
+}
+
+QString Series::ToString() {
+    std::string xml;
+    if (!serialization::RunTrapped([&] { AppendXml(xml); })) {
+        return {};
+    }
+    return serialization::FromUtf8(xml);
+}
+
+void Series::FromString(const QString& pText) {
+    if (pText.isEmpty()) {
+        return;
+    }
+    platform::XmlDocument document;
+    if (!document.LoadXml(pText)) {
+        return;
+    }
+    const platform::XmlNode element = document.DocumentElement();
+    serialization::RunTrapped([&] { ReadElement(element); });
+}
+
+void Series::ReadElement(const platform::XmlNode& pElement) {
+    m_name = serialization::FromUtf8(pElement.AttributeValue(kName));
+    m_minimum = serialization::ReadNumber(pElement.AttributeValue(kMin));
+    m_maximum = serialization::ReadNumber(pElement.AttributeValue(kMax));
+    m_setType =
+        static_cast<DataSettingType>(serialization::ReadWhole(pElement.AttributeValue(kSetType)));
+    m_drawOnSecondaryAxis = serialization::ReadBool(pElement.AttributeValue(kDrawSecondary));
+    m_point = static_cast<PointType>(serialization::ReadWhole(pElement.AttributeValue(kPoint)));
+    m_colour = serialization::ReadWhole(pElement.AttributeValue(kColour));
+    m_count = serialization::ReadWhole(pElement.AttributeValue(kCount));
+    m_dataType =
+        static_cast<XSeriesDataType>(serialization::ReadWhole(pElement.AttributeValue(kDataType)));
+    m_lastPoint = serialization::ReadWhole(pElement.AttributeValue(kLastPoint));
+    ReadValues(pElement.Text());
+}
+
+void Series::ReadValues(std::string_view pText) {
+    // A loaded series has Count slots, one fewer than a drip-feed ring: the mirror slot only
+    // matters while points are still arriving.
+    if (m_count <= 0) {
+        throw ChartError(ChartError::IndexOutOfRange);
+    }
+    // The count is only a claim of the text; the values themselves must back it before any
+    // memory is set aside for them.
+    const std::size_t available =
+        pText.empty() ? 0
+                      : static_cast<std::size_t>(std::count(pText.begin(), pText.end(), '|')) + 1;
+    if (static_cast<std::size_t>(m_count) > available) {
+        throw ChartError(
+            ChartError::IndexOutOfRange,
+            QStringLiteral("The series claims %1 values but holds %2").arg(m_count).arg(available));
+    }
+    m_values.assign(static_cast<std::size_t>(m_count), 0.0);
+    m_valuesAllocated = true;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        std::size_t end = pText.find('|', start);
+        if (end == std::string_view::npos) {
+            end = pText.size();
+        }
+        m_values[i] = serialization::ReadNumber(pText.substr(start, end - start));
+        start = end + 1;
+    }
+    m_dataReady = true;
+}
+
+bool Series::IsTypeOf(const QString& pText) {
+    return serialization::HasPrefix(pText, serialization::kSeriesPrefix);
+}
+
+} // namespace trv5

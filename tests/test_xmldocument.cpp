@@ -1,0 +1,114 @@
+#include "platform/xmldocument.h"
+
+#include <trv5charts/charterror.h>
+
+#include <gtest/gtest.h>
+
+using trv5::platform::XmlDocument;
+using trv5::platform::XmlNode;
+
+TEST(XmlDocument, AcceptsOnlyWellFormedTextWithOneRootElement) {
+    const char* rejected[] = {"",
+                              "not xml at all",
+                              "<a>",
+                              "<a></b>",
+                              "<a/><b/>",
+                              "<a>x</a>trailing text",
+                              "text before<a/>",
+                              "<a attr=unquoted/>",
+                              "<a x='1' x='2'/>"};
+    for (const char* text : rejected) {
+        XmlDocument document;
+        EXPECT_FALSE(document.LoadXml(std::string_view(text))) << text;
+        EXPECT_TRUE(document.DocumentElement().IsNull()) << text;
+    }
+    const char* accepted[] = {"<a/>", "  <a>x</a>\n", "<?xml version='1.0'?><a/>",
+                              "<!-- note --><a/><!-- after -->"};
+    for (const char* text : accepted) {
+        XmlDocument document;
+        EXPECT_TRUE(document.LoadXml(std::string_view(text))) << text;
+        EXPECT_EQ(document.DocumentElement().Name(), "a");
+    }
+}
+
+TEST(XmlDocument, AttributesAreAddressedByPosition) {
+    XmlDocument document;
+    ASSERT_TRUE(document.LoadXml(std::string_view("<e z='first' a='second' m='&amp;third'/>")));
+    XmlNode element = document.DocumentElement();
+    ASSERT_EQ(element.AttributeCount(), 3);
+    EXPECT_EQ(element.AttributeValue(0), "first");
+    EXPECT_EQ(element.AttributeValue(1), "second");
+    EXPECT_EQ(element.AttributeValue(2), "&third");
+    try {
+        (void)element.AttributeValue(3);
+        ADD_FAILURE() << "a missing attribute must throw";
+    } catch (const trv5::ChartError& error) {
+        EXPECT_EQ(error.number(), 9);
+    }
+    EXPECT_THROW((void)element.AttributeValue(-1), trv5::ChartError);
+
+    element.SetAttributeValue(1, "a<b>\"c'");
+    EXPECT_EQ(element.Xml(), "<e z=\"first\" a=\"a&lt;b>&quot;c'\" m=\"&amp;third\"/>");
+}
+
+TEST(XmlDocument, TextCollectsCharacterDataAndCanBeReplaced) {
+    XmlDocument document;
+    ASSERT_TRUE(document.LoadXml(std::string_view("<e>1|<![CDATA[2|]]><i>3</i>|4</e>")));
+    XmlNode element = document.DocumentElement();
+    EXPECT_EQ(element.Text(), "1|2|3|4");
+    element.SetText("x & y");
+    EXPECT_EQ(element.Xml(), "<e>x &amp; y</e>");
+    element.SetText("");
+    EXPECT_EQ(element.Xml(), "<e/>");
+}
+
+TEST(XmlDocument, DoesNotExpandDocumentTypeEntities) {
+    XmlDocument document;
+    const std::string_view text = "<!DOCTYPE e [<!ENTITY big 'expanded'>]><e>&big;</e>";
+    if (document.LoadXml(text)) {
+        EXPECT_EQ(document.DocumentElement().Text().find("expanded"), std::string::npos);
+    }
+}
+
+TEST(XmlDocument, AbsoluteQueriesAndSiblings) {
+    XmlDocument document;
+    ASSERT_TRUE(document.LoadXml(std::string_view(
+        "<r><c><x n='1'/><!-- c --><x n='2'/></c><d><s n='a'/><s n='b'/><s n='c'/></d></r>")));
+    const XmlNode first = document.SelectSingleNode("//r/c/x");
+    ASSERT_FALSE(first.IsNull());
+    EXPECT_EQ(first.AttributeValue(0), "1");
+    const XmlNode second = first.NextSibling();
+    ASSERT_FALSE(second.IsNull());
+    EXPECT_EQ(second.AttributeValue(0), "2");
+    EXPECT_TRUE(second.NextSibling().IsNull());
+
+    const std::vector<XmlNode> nodes = document.SelectNodes("//r/d/s");
+    ASSERT_EQ(nodes.size(), 3U);
+    EXPECT_EQ(nodes[2].AttributeValue(0), "c");
+    EXPECT_TRUE(document.SelectNodes("//r/nothing").empty());
+    EXPECT_TRUE(document.SelectSingleNode("//[broken").IsNull());
+    EXPECT_TRUE(document.SelectNodes("//[broken").empty());
+}
+
+TEST(XmlDocument, ReadsUtf8FromQString) {
+    XmlDocument document;
+    ASSERT_TRUE(document.LoadXml(QStringLiteral("<e name='Fitnéss ✓'/>")));
+    EXPECT_EQ(QString::fromUtf8(document.DocumentElement().AttributeValue(0).data()),
+              QStringLiteral("Fitnéss ✓"));
+}
+
+TEST(XmlDocument, DeeplyNestedInputDoesNotExhaustTheStack) {
+    std::string text;
+    const int depth = 200000;
+    for (int i = 0; i < depth; ++i) {
+        text += "<n a='1'>";
+    }
+    text += "deep";
+    for (int i = 0; i < depth; ++i) {
+        text += "</n>";
+    }
+    XmlDocument document;
+    ASSERT_TRUE(document.LoadXml(std::string_view(text)));
+    EXPECT_EQ(document.DocumentElement().Text(), "deep");
+    EXPECT_TRUE(document.SelectSingleNode("//rtchart/chartaxis/axis").IsNull());
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <trv5charts/charterror.h>
+
+#include <QLocale>
+#include <QString>
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+// Readable QString values in assertion messages.
+inline void PrintTo(const QString& pText, std::ostream* pStream) {
+    *pStream << '"' << pText.toStdString() << '"';
+}
+
+namespace trv5::test {
+
+// Switches the process-wide default locale for the lifetime of the object, so that a test can
+// prove that saved state does not depend on the user's locale.
+class ScopedLocale {
+public:
+    explicit ScopedLocale(const QLocale& pLocale) : m_previous(QLocale()) {
+        QLocale::setDefault(pLocale);
+    }
+    ~ScopedLocale() { QLocale::setDefault(m_previous); }
+    ScopedLocale(const ScopedLocale&) = delete;
+    ScopedLocale& operator=(const ScopedLocale&) = delete;
+
+private:
+    QLocale m_previous;
+};
+
+inline QLocale German() {
+    return QLocale(QLocale::German, QLocale::Germany);
+}
+inline QLocale BritishEnglish() {
+    return QLocale(QLocale::English, QLocale::UnitedKingdom);
+}
+
+} // namespace trv5::test
+
+// Asserts that a statement throws trv5::ChartError with the given number.
+#define EXPECT_CHART_ERROR(statement, expectedNumber)                                              \
+    do {                                                                                           \
+        try {                                                                                      \
+            statement;                                                                             \
+            ADD_FAILURE() << "expected ChartError " << (expectedNumber) << " from " #statement;    \
+        } catch (const trv5::ChartError& chartError) {                                             \
+            EXPECT_EQ(chartError.number(), (expectedNumber)) << chartError.what();                 \
+        }                                                                                          \
+    } while (false)
