@@ -117,15 +117,22 @@ int main(int argc, char** argv) {
         out << "== Saved state (" << state.size() << " characters)\n" << state << "\n\n";
         out << "== Data as tab-separated text\n" << data << "\n";
 
+        // A drip-feed ring saves one mirror slot more than a restored series keeps, so the
+        // first save after a restore is the fixed point: it must hold the same data and read
+        // back to itself.
         trv5::RTChart restored;
         restored.FromString(state);
-        const bool sameState = restored.ToString() == state;
+        const QString restoredState = restored.ToString();
+        trv5::RTChart again;
+        again.FromString(restoredState);
         const bool sameData = restored.GetChartDataAsString() == data;
-        out << "== Restored into a fresh chart: state " << (sameState ? "identical" : "DIFFERENT")
-            << ", data " << (sameData ? "identical" : "DIFFERENT") << ", " << restored.SeriesCount()
-            << " series, last generation " << restored.LastGenerationForCopy() << "\n";
+        const bool stable = again.ToString() == restoredState;
+        out << "== Restored into a fresh chart: " << restored.SeriesCount()
+            << " series, last generation " << restored.LastGenerationForCopy() << ", data "
+            << (sameData ? "identical" : "DIFFERENT") << ", saved state "
+            << (stable ? "stable across save and restore" : "NOT STABLE") << "\n";
         out.flush();
-        return sameState && sameData ? 0 : 1;
+        return sameData && stable ? 0 : 1;
     } catch (const trv5::ChartError& error) {
         err << "error " << error.number() << ": " << error.description() << "\n";
         return 1;
