@@ -62,8 +62,8 @@ const Texts& TextsOf(std::int64_t pSet, char pDecimalPoint) {
     return texts;
 }
 
-void BM_WriteDouble(benchmark::State& pState) {
-    const auto& values = Values(pState.range(0));
+void BM_WriteDouble(benchmark::State& pState, std::int64_t pSet) {
+    const auto& values = Values(pSet);
     std::vector<char> out(values.size() * nt::kMaxDoubleText);
     std::int64_t bytes = 0;
     for (auto _ : pState) {
@@ -78,8 +78,8 @@ void BM_WriteDouble(benchmark::State& pState) {
     pState.SetItemsProcessed(pState.iterations() * static_cast<std::int64_t>(values.size()));
 }
 
-void BM_SnprintfG15(benchmark::State& pState) {
-    const auto& values = Values(pState.range(0));
+void BM_SnprintfG15(benchmark::State& pState, std::int64_t pSet) {
+    const auto& values = Values(pSet);
     std::vector<char> out(values.size() * nt::kMaxDoubleText);
     std::int64_t bytes = 0;
     for (auto _ : pState) {
@@ -94,8 +94,9 @@ void BM_SnprintfG15(benchmark::State& pState) {
     pState.SetItemsProcessed(pState.iterations() * static_cast<std::int64_t>(values.size()));
 }
 
-void ParseBenchmark(benchmark::State& pState, char pDecimalPoint, char pGroupSeparator) {
-    const Texts& texts = TextsOf(pState.range(0), pDecimalPoint);
+void ParseBenchmark(benchmark::State& pState, std::int64_t pSet, char pDecimalPoint,
+                    char pGroupSeparator) {
+    const Texts& texts = TextsOf(pSet, pDecimalPoint);
     for (auto _ : pState) {
         double sum = 0;
         for (std::size_t i = 0; i < texts.starts.size(); ++i) {
@@ -113,17 +114,17 @@ void ParseBenchmark(benchmark::State& pState, char pDecimalPoint, char pGroupSep
     pState.SetItemsProcessed(pState.iterations() * static_cast<std::int64_t>(texts.starts.size()));
 }
 
-void BM_ParseDouble(benchmark::State& pState) {
-    ParseBenchmark(pState, '.', ',');
+void BM_ParseDouble(benchmark::State& pState, std::int64_t pSet) {
+    ParseBenchmark(pState, pSet, '.', ',');
 }
 
 // Decimal comma and grouping on: every text takes the general path.
-void BM_ParseDoubleDecimalComma(benchmark::State& pState) {
-    ParseBenchmark(pState, ',', '.');
+void BM_ParseDoubleDecimalComma(benchmark::State& pState, std::int64_t pSet) {
+    ParseBenchmark(pState, pSet, ',', '.');
 }
 
-void BM_Strtod(benchmark::State& pState) {
-    const Texts& texts = TextsOf(pState.range(0), '.');
+void BM_Strtod(benchmark::State& pState, std::int64_t pSet) {
+    const Texts& texts = TextsOf(pSet, '.');
     for (auto _ : pState) {
         double sum = 0;
         for (std::size_t start : texts.starts) {
@@ -135,14 +136,18 @@ void BM_Strtod(benchmark::State& pState) {
     pState.SetItemsProcessed(pState.iterations() * static_cast<std::int64_t>(texts.starts.size()));
 }
 
-void ValueSets(benchmark::internal::Benchmark* pBenchmark) {
-    pBenchmark->ArgName("short")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-}
+constexpr std::int64_t kFull = 0;
+constexpr std::int64_t kShort = 1;
 
 } // namespace
 
-BENCHMARK(BM_WriteDouble)->Apply(ValueSets);
-BENCHMARK(BM_SnprintfG15)->Apply(ValueSets);
-BENCHMARK(BM_ParseDouble)->Apply(ValueSets);
-BENCHMARK(BM_ParseDoubleDecimalComma)->Apply(ValueSets);
-BENCHMARK(BM_Strtod)->Apply(ValueSets);
+BENCHMARK_CAPTURE(BM_WriteDouble, full, kFull)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_WriteDouble, short, kShort)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_SnprintfG15, full, kFull)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_SnprintfG15, short, kShort)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ParseDouble, full, kFull)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ParseDouble, short, kShort)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ParseDoubleDecimalComma, full, kFull)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ParseDoubleDecimalComma, short, kShort)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Strtod, full, kFull)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Strtod, short, kShort)->Unit(benchmark::kMillisecond);

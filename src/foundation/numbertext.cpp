@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <system_error>
 
@@ -133,6 +134,122 @@ bool ExactTie(double pMagnitude, int pSignificant, std::uint64_t& pTie,
     return true;
 }
 
+constexpr char kDigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233"
+    "34353637383940414243444546474849505152535455565758596061626364656667"
+    "6869707172737475767778798081828384858687888990919293949596979899";
+
+void WritePair(char* pOut, std::uint32_t pValue) noexcept {
+    pOut[0] = kDigitPairs[2 * pValue];
+    pOut[1] = kDigitPairs[2 * pValue + 1];
+}
+
+// Stores pRounded, an integer of pSignificant digits or exactly 10^pSignificant after a carry,
+// whose first digit sits at the place 10^pExponent. This runs for every value written, hence the
+// trailing zeros dropped in strides and the digits produced in pairs.
+void SetDigits(Decimal& pDecimal, std::uint64_t pRounded, int pSignificant,
+               int pExponent) noexcept {
+    int count = pSignificant;
+    if (pRounded == kPow10[pSignificant]) {
+        pRounded = 1;
+        count = 1;
+        ++pExponent;
+    }
+    // A nonzero number with 8 trailing zeros has at least 9 digits, and so on down. Constant
+    // divisors keep these multiplications rather than divisions.
+    if (pRounded % 100000000 == 0) {
+        pRounded /= 100000000;
+        count -= 8;
+    }
+    if (pRounded % 10000 == 0) {
+        pRounded /= 10000;
+        count -= 4;
+    }
+    if (pRounded % 100 == 0) {
+        pRounded /= 100;
+        count -= 2;
+    }
+    if (pRounded % 10 == 0) {
+        pRounded /= 10;
+        count -= 1;
+    }
+    // Eight low digits and the rest as two 32-bit numbers: shorter dependency chains.
+    char* p = pDecimal.digits + count;
+    if (pRounded >= 100000000) {
+        const auto low = static_cast<std::uint32_t>(pRounded % 100000000);
+        pRounded /= 100000000;
+        const std::uint32_t high4 = low / 10000;
+        const std::uint32_t low4 = low % 10000;
+        p -= 8;
+        WritePair(p, high4 / 100);
+        WritePair(p + 2, high4 % 100);
+        WritePair(p + 4, low4 / 100);
+        WritePair(p + 6, low4 % 100);
+    }
+    auto rest = static_cast<std::uint32_t>(pRounded);
+    while (rest >= 100) {
+        p -= 2;
+        WritePair(p, rest % 100);
+        rest /= 100;
+    }
+    if (rest >= 10) {
+        WritePair(p - 2, rest);
+    } else {
+        p[-1] = static_cast<char>('0' + rest);
+    }
+    pDecimal.count = count;
+    pDecimal.exponent = pExponent;
+}
+
+// The powers of ten that doubles hold exactly.
+constexpr double kExactPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The quick way to round for magnitudes from about 10^(pSignificant - 23) up to 10^pSignificant,
+// which is where nearly all chart data lives. Scaling by an exact power of ten 10^k brings the
+// value into [10^(s-1), 10^s); a fused multiply-add gives the product exactly as hi + lo, and
+// the sign of (frac(hi) - 1/2) + lo, computed without error, says whether the exact product lies
+// below, above or exactly on the midpoint between two integers. Returns false when the value is
+// out of reach, leaving the slow path to do the work.
+bool RoundByScaling(double pMagnitude, int pSignificant, Decimal& pDecimal) noexcept {
+    const double low = kExactPow10[pSignificant - 1];
+    const double high = kExactPow10[pSignificant];
+    // floor(log10(x)) is floor(e2 * log10(2)) or one more; 78913 / 2^18 is just below log10(2).
+    // Subnormals are far out of reach.
+    const auto biasedExponent =
+        static_cast<int>((std::bit_cast<std::uint64_t>(pMagnitude) >> 52) & 0x7FF);
+    if (biasedExponent == 0) {
+        return false;
+    }
+    const int binaryExponent = biasedExponent - 1023;
+    int scale = pSignificant - 1 - ((binaryExponent * 78913) >> 18);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (scale < 0 || scale >= static_cast<int>(std::size(kExactPow10))) {
+            return false;
+        }
+        const double power = kExactPow10[scale];
+        const double hi = pMagnitude * power;
+        const double lo = std::fma(pMagnitude, power, -hi);
+        if (hi < low || (hi == low && lo < 0)) {
+            ++scale;
+            continue;
+        }
+        if (hi > high || (hi == high && lo >= 0)) {
+            --scale;
+            continue;
+        }
+        const double whole = std::floor(hi);
+        // hi - whole and the subtraction of 1/2 are exact: both operands are multiples of ulp(hi),
+        // which is at most 1/8 here.
+        const double aboveMidpoint = (hi - whole - 0.5) + lo;
+        SetDigits(pDecimal, static_cast<std::uint64_t>(whole) + (aboveMidpoint >= 0 ? 1 : 0),
+                  pSignificant, pSignificant - 1 - scale);
+        return true;
+    }
+    return false;
+}
+
 // Rounds the exact binary value (finite) to pSignificant digits, exact decimal ties away from zero.
 Decimal RoundToSignificant(double pValue, int pSignificant) noexcept {
     Decimal decimal{};
@@ -141,16 +258,18 @@ Decimal RoundToSignificant(double pValue, int pSignificant) noexcept {
         return decimal;
     }
     const double magnitude = std::fabs(pValue);
+    if (RoundByScaling(magnitude, pSignificant, decimal)) {
+        return decimal;
+    }
     char buffer[64];
 
     // For 15 digits, the shortest text that reads back as a normal double is already the correctly
     // rounded result whenever it has no more than 15 digits: the value lies within half an ulp of
     // it (at most 2^-53, 1.1e-16, relative), closer than half a unit in the 15th digit (at least
     // 5e-16 relative), so no rounding midpoint lies between them. Shortest text is much cheaper
-    // than rounded text, and most real data takes this path. Subnormals have fewer bits, so their
-    // shortest text can be much shorter than their rounding ("5e-324"). For singles at 7 digits
-    // the argument fails (2^-24 is 6e-8, more than the 5e-8 of half a unit in the 7th digit of
-    // 9.xxxxxx), so they always take the rounding path.
+    // than rounded text. Subnormals have fewer bits, so their shortest text can be much shorter
+    // than their rounding ("5e-324"). For singles at 7 digits the argument fails (2^-24 is 6e-8,
+    // more than the 5e-8 of half a unit in the 7th digit of 9.xxxxxx).
     if (pSignificant == 15 && magnitude >= std::numeric_limits<double>::min()) {
         const auto result =
             std::to_chars(buffer, buffer + sizeof buffer, magnitude, std::chars_format::scientific);
@@ -163,22 +282,7 @@ Decimal RoundToSignificant(double pValue, int pSignificant) noexcept {
     std::uint64_t tie = 0;
     int tieExponent = 0;
     if (ExactTie(magnitude, pSignificant, tie, tieExponent)) {
-        std::uint64_t rounded = tie / 10 + 1;
-        decimal.exponent = tieExponent + pSignificant;
-        int count = pSignificant;
-        if (rounded == kPow10[pSignificant]) {
-            rounded = 1;
-            count = 1;
-            ++decimal.exponent;
-        }
-        for (int i = count - 1; i >= 0; --i) {
-            decimal.digits[i] = static_cast<char>('0' + rounded % 10);
-            rounded /= 10;
-        }
-        decimal.count = count;
-        while (decimal.count > 0 && decimal.digits[decimal.count - 1] == '0') {
-            --decimal.count;
-        }
+        SetDigits(decimal, tie / 10 + 1, pSignificant, tieExponent + pSignificant);
         return decimal;
     }
 
@@ -432,14 +536,6 @@ ParseStatus ParseGeneral(const char* pFirst, const char* pLast, char pDecimalPoi
     }
     // The value is at least 10^(total - 1) and below 10^total.
     const std::int64_t total = pointExponent + exponent;
-    const auto largest = [&] {
-        if (total == 309 && AtMostLargestDoubleText(digits, count, sticky)) {
-            pOut =
-                negative ? -std::numeric_limits<double>::max() : std::numeric_limits<double>::max();
-            return ParseStatus::Ok;
-        }
-        return ParseStatus::Overflow;
-    };
     if (total > 309) {
         return ParseStatus::Overflow;
     }
@@ -459,11 +555,16 @@ ParseStatus ParseGeneral(const char* pFirst, const char* pLast, char pDecimalPoi
     double value = 0;
     const auto result = std::from_chars(buffer, end, value);
     if (result.ec == std::errc::result_out_of_range) {
-        if (total > 0) {
-            return largest();
+        if (total <= 0) {
+            pOut = zero; // below half the smallest subnormal
+            return ParseStatus::Ok;
         }
-        pOut = zero;
-        return ParseStatus::Ok;
+        if (total == 309 && AtMostLargestDoubleText(digits, count, sticky)) {
+            pOut =
+                negative ? -std::numeric_limits<double>::max() : std::numeric_limits<double>::max();
+            return ParseStatus::Ok;
+        }
+        return ParseStatus::Overflow;
     }
     if (result.ec != std::errc() || result.ptr != end) {
         return ParseStatus::TypeMismatch; // not reached: the buffer is well formed

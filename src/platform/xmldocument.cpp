@@ -148,6 +148,37 @@ void XmlNode::AppendXml(std::string& pOut) const {
     m_node.print(writer, "", pugi::format_raw, pugi::encoding_utf8);
 }
 
+void XmlNode::AppendStartTag(std::string& pOut) const {
+    if (!m_node) {
+        return;
+    }
+    // Print a childless copy in the long form "<name …></name>" and drop the end tag.
+    pugi::xml_document scratch;
+    pugi::xml_node copy = scratch.append_copy(m_node);
+    while (pugi::xml_node child = copy.first_child()) {
+        copy.remove_child(child);
+    }
+    const std::size_t start = pOut.size();
+    StringWriter writer(pOut);
+    copy.print(writer, "", pugi::format_raw | pugi::format_no_empty_element_tags,
+               pugi::encoding_utf8);
+    const std::size_t endTag = std::string_view(m_node.name()).size() + 3;
+    if (pOut.size() >= start + endTag) {
+        pOut.erase(pOut.size() - endTag);
+    }
+}
+
+void XmlNode::AppendEndTag(std::string& pOut) const {
+    if (!m_node) {
+        return;
+    }
+    const std::string_view name = m_node.name();
+    pOut.push_back('<');
+    pOut.push_back('/');
+    pOut.append(name.data(), name.size());
+    pOut.push_back('>');
+}
+
 XmlNode XmlNode::NextSibling() const {
     pugi::xml_node sibling = m_node.next_sibling();
     while (sibling && sibling.type() != pugi::node_element) {

@@ -33,6 +33,10 @@ public:
     // The element and its descendants as compact XML (no declaration, no indentation).
     std::string Xml() const;
     void AppendXml(std::string& pOut) const;
+    // The start tag with its attributes, and the end tag, so that a caller can stream large
+    // content that needs no escaping (numbers) straight into pOut between the two.
+    void AppendStartTag(std::string& pOut) const;
+    void AppendEndTag(std::string& pOut) const;
 
     // The next element on the same level.
     XmlNode NextSibling() const;

@@ -115,7 +115,12 @@ std::shared_ptr<Series> RTChart::GetSeries(std::int32_t pIndex) const {
 }
 
 Series& RTChart::SlotAt(std::int32_t pIndex) const {
-    const std::shared_ptr<Series> series = GetSeries(pIndex);
+    if (pIndex < 0 || pIndex >= kMaxSeries) {
+        (void)GetSeries(pIndex); // throws the out-of-range error with its message
+    }
+    // By reference: this is on the per-point path, where a shared_ptr copy would cost two
+    // atomic operations per point.
+    const std::shared_ptr<Series>& series = m_series[static_cast<std::size_t>(pIndex)];
     if (!series) {
         throw ChartError(ChartError::ObjectNotSet,
                          QStringLiteral("No series has been added at index %1").arg(pIndex));
@@ -355,6 +360,15 @@ QStringList RTChart::LegendCaptions() const {
 }
 
 void RTChart::AppendXml(std::string& pOut) {
+    std::size_t values = 0;
+    for (std::int32_t i = 0; i < m_seriesCount; ++i) {
+        if (const std::shared_ptr<Series>& series = m_series[static_cast<std::size_t>(i)]) {
+            values += series->Values().size();
+        }
+    }
+    // Typical saved numbers take 16 to 20 characters; growing the text as it goes would copy
+    // it several times over.
+    pOut.reserve(pOut.size() + 1024 + 20 * values);
     pOut.append(serialization::kChartPrefix);
     serialization::AppendWhole(pOut, m_seriesCount);
     pOut.append("' lastgeneration='");

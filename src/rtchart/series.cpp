@@ -248,16 +248,16 @@ void Series::AppendXml(std::string& pOut) {
     serialization::AppendWhole(text, m_lastPoint);
     element.SetAttributeValue(kLastPoint, text);
 
-    text.clear();
-    text.reserve(m_values.size() * 20);
+    // The values are streamed straight into the output: numbers need no escaping, and a copy
+    // through the document would double the cost of saving a long series.
+    element.AppendStartTag(pOut);
     for (std::size_t i = 0; i < m_values.size(); ++i) {
         if (i != 0) {
-            text.push_back('|');
+            pOut.push_back('|');
         }
-        serialization::AppendNumber(text, m_values[i]);
+        serialization::AppendNumber(pOut, m_values[i]);
     }
-    element.SetText(text);
-    element.AppendXml(pOut);
+    element.AppendEndTag(pOut);
 }
 
 QString Series::ToString() {
