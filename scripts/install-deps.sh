@@ -10,6 +10,10 @@ packages=(
     libgtest-dev libbenchmark-dev
     clang-format
 )
+# The fuzz targets need clang and its libFuzzer runtime.
+if [ "${1:-}" = "--with-fuzz" ]; then
+    packages+=(clang libclang-rt-14-dev)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

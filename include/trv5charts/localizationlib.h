@@ -66,7 +66,7 @@ inline constexpr std::int32_t kEnglishCountryName = 0x1002;
 
 // One item of locale information. pLocaleId is 0x0400 for the user's culture (QLocale()), 0x0800
 // for the system's (QLocale::system()), or one of the common LCIDs this library knows (en-GB,
-// en-US, de-DE, fr-FR and about thirty more). An unknown identifier or information type throws
+// en-US, de-DE, fr-FR and some thirty others). An unknown identifier or information type throws
 // ChartError 5.
 QString GetLocaleString(std::int32_t pLocaleId, std::int32_t pInfoType);
 

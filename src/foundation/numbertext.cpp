@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <system_error>
@@ -14,24 +15,16 @@ namespace trv5::numbertext {
 
 namespace {
 
-constexpr std::uint64_t kPow10[] = {1ULL,
-                                    10ULL,
-                                    100ULL,
-                                    1000ULL,
-                                    10000ULL,
-                                    100000ULL,
-                                    1000000ULL,
-                                    10000000ULL,
-                                    100000000ULL,
-                                    1000000000ULL,
-                                    10000000000ULL,
-                                    100000000000ULL,
-                                    1000000000000ULL,
-                                    10000000000000ULL,
-                                    100000000000000ULL,
-                                    1000000000000000ULL,
-                                    10000000000000000ULL,
-                                    100000000000000000ULL};
+// 10^0 .. 10^17.
+constexpr auto kPow10 = [] {
+    std::array<std::uint64_t, 18> table{};
+    std::uint64_t power = 1;
+    for (auto& value : table) {
+        value = power;
+        power *= 10;
+    }
+    return table;
+}();
 
 // 5^0 .. 5^27, the powers that fit in 64 bits.
 constexpr auto kPow5 = [] {
@@ -53,8 +46,8 @@ constexpr bool IsBlank(char pChar) noexcept {
 }
 
 // Reads the mantissa digits and the exponent of std::to_chars scientific output ("d.ddde+xx").
-// The caller guarantees at most 17 mantissa digits.
 void ReadScientific(const char* pFirst, const char* pLast, Decimal& pDecimal) noexcept {
+    std::fill_n(pDecimal.digits, sizeof pDecimal.digits, '0');
     pDecimal.count = 0;
     const char* p = pFirst;
     for (; p != pLast && *p != 'e'; ++p) {
@@ -134,71 +127,60 @@ bool ExactTie(double pMagnitude, int pSignificant, std::uint64_t& pTie,
     return true;
 }
 
-constexpr char kDigitPairs[] =
-    "00010203040506070809101112131415161718192021222324252627282930313233"
-    "34353637383940414243444546474849505152535455565758596061626364656667"
-    "6869707172737475767778798081828384858687888990919293949596979899";
-
-void WritePair(char* pOut, std::uint32_t pValue) noexcept {
-    pOut[0] = kDigitPairs[2 * pValue];
-    pOut[1] = kDigitPairs[2 * pValue + 1];
+// The eight decimal digits of pValue < 10^8 as byte values 0 to 9 in one word, the first digit in
+// the least significant byte. Each step splits every lane of the word in two at once: 4+4 digits,
+// then 2+2, then 1+1; the multiply-and-shift pairs are exact divisions by 100 and 10 for the
+// lane values involved (below 10^4 and 10^2), and no lane overflows into its neighbour.
+std::uint64_t EightDigitBytes(std::uint32_t pValue) noexcept {
+    const std::uint64_t fours = pValue / 10000 | std::uint64_t{pValue % 10000} << 32;
+    const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F0000007FULL;
+    const std::uint64_t twos = hundreds | (fours - hundreds * 100) << 16;
+    const std::uint64_t tens = (twos * 103 >> 10) & 0x000F000F000F000FULL;
+    return tens | (twos - tens * 10) << 8;
 }
 
-// Stores pRounded, an integer of pSignificant digits or exactly 10^pSignificant after a carry,
-// whose first digit sits at the place 10^pExponent. This runs for every value written, hence the
-// trailing zeros dropped in strides and the digits produced in pairs.
+// Stores pRounded, an integer of pSignificant (7 or 15) digits or exactly 10^pSignificant after a
+// carry, whose first digit sits at the place 10^pExponent. This runs for every value written, on
+// unpredictable input, so the digits are formed in registers and the trailing zeros counted
+// without branches; byte order matters, hence the plain loop for big-endian machines.
 void SetDigits(Decimal& pDecimal, std::uint64_t pRounded, int pSignificant,
                int pExponent) noexcept {
-    int count = pSignificant;
-    if (pRounded == kPow10[pSignificant]) {
-        pRounded = 1;
-        count = 1;
-        ++pExponent;
-    }
-    // A nonzero number with 8 trailing zeros has at least 9 digits, and so on down. Constant
-    // divisors keep these multiplications rather than divisions.
-    if (pRounded % 100000000 == 0) {
-        pRounded /= 100000000;
-        count -= 8;
-    }
-    if (pRounded % 10000 == 0) {
-        pRounded /= 10000;
-        count -= 4;
-    }
-    if (pRounded % 100 == 0) {
-        pRounded /= 100;
-        count -= 2;
-    }
-    if (pRounded % 10 == 0) {
-        pRounded /= 10;
-        count -= 1;
-    }
-    // Eight low digits and the rest as two 32-bit numbers: shorter dependency chains.
-    char* p = pDecimal.digits + count;
-    if (pRounded >= 100000000) {
-        const auto low = static_cast<std::uint32_t>(pRounded % 100000000);
-        pRounded /= 100000000;
-        const std::uint32_t high4 = low / 10000;
-        const std::uint32_t low4 = low % 10000;
-        p -= 8;
-        WritePair(p, high4 / 100);
-        WritePair(p + 2, high4 % 100);
-        WritePair(p + 4, low4 / 100);
-        WritePair(p + 6, low4 % 100);
-    }
-    auto rest = static_cast<std::uint32_t>(pRounded);
-    while (rest >= 100) {
-        p -= 2;
-        WritePair(p, rest % 100);
-        rest /= 100;
-    }
-    if (rest >= 10) {
-        WritePair(p - 2, rest);
-    } else {
-        p[-1] = static_cast<char>('0' + rest);
-    }
-    pDecimal.count = count;
     pDecimal.exponent = pExponent;
+    if (pRounded == kPow10[pSignificant]) {
+        pDecimal.digits[0] = '1';
+        pDecimal.count = 1;
+        ++pDecimal.exponent;
+        return;
+    }
+    if constexpr (std::endian::native == std::endian::little) {
+        constexpr std::uint64_t kZeroChars = 0x3030303030303030ULL;
+        // The leading digits: below 10^7, so byte 0 is a zero digit, shifted out. Byte 7 is then
+        // empty and counts as one more zero.
+        const std::uint64_t high = EightDigitBytes(static_cast<std::uint32_t>(
+                                       pSignificant == 15 ? pRounded / 100000000 : pRounded)) >>
+                                   8;
+        const int highZeros = std::countl_zero(high) / 8 - 1;
+        const std::uint64_t highChars = high | kZeroChars;
+        std::memcpy(pDecimal.digits, &highChars, sizeof highChars);
+        if (pSignificant == 7) {
+            pDecimal.count = 7 - highZeros;
+            return;
+        }
+        const std::uint64_t low = EightDigitBytes(static_cast<std::uint32_t>(pRounded % 100000000));
+        const int lowZeros = std::countl_zero(low) / 8;
+        const std::uint64_t lowChars = low | kZeroChars;
+        std::memcpy(pDecimal.digits + 7, &lowChars, sizeof lowChars);
+        pDecimal.count = 15 - (lowZeros == 8 ? 8 + highZeros : lowZeros);
+    } else {
+        for (int i = pSignificant - 1; i >= 0; --i) {
+            pDecimal.digits[i] = static_cast<char>('0' + pRounded % 10);
+            pRounded /= 10;
+        }
+        pDecimal.count = pSignificant;
+        while (pDecimal.digits[pDecimal.count - 1] == '0') {
+            --pDecimal.count;
+        }
+    }
 }
 
 // The powers of ten that doubles hold exactly.
@@ -252,7 +234,10 @@ bool RoundByScaling(double pMagnitude, int pSignificant, Decimal& pDecimal) noex
 
 // Rounds the exact binary value (finite) to pSignificant digits, exact decimal ties away from zero.
 Decimal RoundToSignificant(double pValue, int pSignificant) noexcept {
-    Decimal decimal{};
+    Decimal decimal;
+    std::fill_n(decimal.digits, sizeof decimal.digits, '0');
+    decimal.count = 0;
+    decimal.exponent = 0;
     decimal.negative = std::signbit(pValue);
     if (pValue == 0) {
         return decimal;
@@ -299,12 +284,8 @@ void RoundDigits(Decimal& pDecimal, int pKeep) noexcept {
     if (pKeep >= pDecimal.count) {
         return;
     }
-    if (pKeep < 0) {
-        pDecimal.count = 0;
-        return;
-    }
-    const bool roundUp = pDecimal.digits[pKeep] >= '5';
-    pDecimal.count = pKeep;
+    const bool roundUp = pKeep >= 0 && pDecimal.digits[pKeep] >= '5';
+    pDecimal.count = pKeep < 0 ? 0 : pKeep;
     if (roundUp) {
         int i = pKeep - 1;
         while (i >= 0 && pDecimal.digits[i] == '9') {
@@ -322,6 +303,7 @@ void RoundDigits(Decimal& pDecimal, int pKeep) noexcept {
     while (pDecimal.count > 0 && pDecimal.digits[pDecimal.count - 1] == '0') {
         --pDecimal.count;
     }
+    std::fill(pDecimal.digits + pDecimal.count, std::end(pDecimal.digits), '0');
 }
 
 char DigitAt(const Decimal& pDecimal, int pIndex) noexcept {
@@ -350,9 +332,13 @@ char* WriteExponent(char* pOut, int pExponent) noexcept {
     return pOut;
 }
 
-// The general layout shared by doubles (15 digits) and singles (7 digits).
+// The general layout shared by doubles (15 digits) and singles (7 digits). Digits go out in
+// blocks of 15 chars and zeros in blocks of 16, relying on the '0' padding of Decimal, and the
+// pointer then moves by the length actually needed. The furthest any block reaches is 32 chars
+// from the start: "-0." and up to 15 - count zeros, then 15 digit chars.
 char* WriteGeneral(char* pOut, const Decimal& pDecimal, int pSignificant,
                    char pDecimalPoint) noexcept {
+    constexpr int kDigitBlock = 15;
     if (pDecimal.count == 0) {
         *pOut++ = '0';
         return pOut;
@@ -375,24 +361,27 @@ char* WriteGeneral(char* pOut, const Decimal& pDecimal, int pSignificant,
         *pOut++ = pDecimal.digits[0];
         if (count > 1) {
             *pOut++ = pDecimalPoint;
-            pOut = std::copy_n(pDecimal.digits + 1, count - 1, pOut);
+            std::copy_n(pDecimal.digits + 1, kDigitBlock, pOut);
+            pOut += count - 1;
         }
         return WriteExponent(pOut, exponent);
     }
     if (exponent >= 0) {
-        for (int i = 0; i <= exponent; ++i) {
-            *pOut++ = DigitAt(pDecimal, i);
-        }
+        std::copy_n(pDecimal.digits, kDigitBlock, pOut);
+        pOut += exponent + 1;
         if (count > exponent + 1) {
             *pOut++ = pDecimalPoint;
-            pOut = std::copy_n(pDecimal.digits + exponent + 1, count - exponent - 1, pOut);
+            std::copy_n(pDecimal.digits + exponent + 1, kDigitBlock, pOut);
+            pOut += count - exponent - 1;
         }
         return pOut;
     }
     *pOut++ = '0';
     *pOut++ = pDecimalPoint;
-    pOut = std::fill_n(pOut, -exponent - 1, '0');
-    return std::copy_n(pDecimal.digits, count, pOut);
+    std::fill_n(pOut, 16, '0');
+    pOut += -exponent - 1;
+    std::copy_n(pDecimal.digits, kDigitBlock, pOut);
+    return pOut + count;
 }
 
 // Parsing ------------------------------------------------------------------------------------
@@ -401,6 +390,9 @@ char* WriteGeneral(char* pOut, const Decimal& pDecimal, int pSignificant,
 // significant digits, so keeping more than that and replacing whatever is dropped by one nonzero
 // "sticky" digit preserves correct rounding while bounding the work buffer.
 constexpr int kMaxParseDigits = 800;
+
+// Texts up to this length try std::from_chars on a copy before the general path.
+constexpr std::ptrdiff_t kQuickTextLength = 64;
 
 // Caps for the decimal exponent bookkeeping; far beyond any exponent that matters, far below
 // where 64-bit arithmetic could overflow.
@@ -647,16 +639,29 @@ ParseStatus ParseDouble(std::string_view pText, char pDecimalPoint, char pGroupS
                         double& pOut) noexcept {
     const char* first = pText.data();
     const char* last = first + pText.size();
-    // Most saved numbers are "[-]digits[.digits][e[+-]digits]" with nothing around them, which
+    // Most numbers are "[-]digits[.digits][e[+-]digits]" with nothing around them, which
     // std::from_chars reads as they stand. It never consumes a '+', a group separator or a blank,
     // and it only reads "inf"/"nan" when they come first, so a full match is also a match of the
-    // general grammar; everything else takes the general path.
-    if (pDecimalPoint == '.' && first != last) {
-        const char* digit = *first == '-' ? first + 1 : first;
-        if (digit != last && IsDigit(*digit)) {
-            double value = 0;
+    // general grammar; everything else takes the general path. Another decimal point costs a copy
+    // of a short text with that point replaced by '.' (a '.' in the original is then a group
+    // separator or a mistake, and goes to the general path).
+    if (first == last) {
+        return ParseStatus::TypeMismatch;
+    }
+    const char* digit = *first == '-' ? first + 1 : first;
+    if (digit != last && IsDigit(*digit)) {
+        double value = 0;
+        if (pDecimalPoint == '.') {
             const auto result = std::from_chars(first, last, value);
             if (result.ec == std::errc() && result.ptr == last) {
+                pOut = value;
+                return ParseStatus::Ok;
+            }
+        } else if (last - first <= kQuickTextLength && std::find(first, last, '.') == last) {
+            char text[kQuickTextLength];
+            char* const end = std::replace_copy(first, last, text, pDecimalPoint, '.');
+            const auto result = std::from_chars(text, end, value);
+            if (result.ec == std::errc() && result.ptr == end) {
                 pOut = value;
                 return ParseStatus::Ok;
             }

@@ -13,8 +13,9 @@
 
 namespace trv5::numbertext {
 
-// Enough for every text that WriteDouble, WriteSingle and WriteScientific produce; the longest is
-// a negative 15-digit mantissa with a three-digit exponent ("-1.23456789012345E-308", 22 chars).
+// The room that WriteDouble, WriteSingle and WriteScientific need. Their longest text is a negative
+// 15-digit mantissa with a three-digit exponent ("-1.23456789012345E-308", 22 chars); the first
+// two use the rest as scratch.
 constexpr std::size_t kMaxDoubleText = 32;
 
 // The largest number of decimal places WriteFixed accepts. 340 places show every digit of the
@@ -28,11 +29,11 @@ constexpr std::size_t MaxFixedText(int pPlaces) noexcept {
 }
 
 // A finite value rounded to a number of significant digits. The value is
-// (negative ? -1 : 1) * 0.d[0]d[1]...d[count-1] * 10^(exponent + 1), that is d[0] is the digit at
-// the place 10^exponent (1.5 has exponent 0, 0.05 has -2). Trailing zeros are removed; zero has
-// count 0.
+// (negative ? -1 : 1) * d[0].d[1]...d[count-1] * 10^exponent, that is d[0] is the digit at the
+// place 10^exponent (1.5 has exponent 0, 0.05 has -2). Trailing zeros are removed; zero has
+// count 0. Every char from digits[count] on is '0', so that writers can copy fixed-size blocks.
 struct Decimal {
-    char digits[17];
+    char digits[32];
     int count;
     int exponent;
     bool negative;
@@ -48,10 +49,12 @@ Decimal RoundSingle(float pValue) noexcept;
 
 // The general text of a double: 15 significant digits, plain digits for moderate magnitudes and
 // d.dddE+dd otherwise; "INF", "-INF", "NaN" for the non-finite values; negative zero is "0".
-// Returns the end of the text (no terminating NUL). Writes at most kMaxDoubleText chars.
+// Returns the end of the text (no terminating NUL). pOut must have room for kMaxDoubleText chars:
+// the text is built with fixed-size block copies, so chars after the returned end, up to
+// pOut + kMaxDoubleText, may be overwritten.
 char* WriteDouble(char* pOut, double pValue, char pDecimalPoint) noexcept;
 
-// The same for a single with 7 significant digits. Writes at most kMaxDoubleText chars.
+// The same for a single with 7 significant digits, on the same terms.
 char* WriteSingle(char* pOut, float pValue, char pDecimalPoint) noexcept;
 
 // The 15-digit text of the value rounded, as a digit string, half away from zero to pPlaces
