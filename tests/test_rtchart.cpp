@@ -67,7 +67,7 @@ TEST_F(RTChartTest, ASeriesPassedInKeepsItsOwnNameAndSide) {
     auto series = std::make_shared<Series>();
     series->SetName(QStringLiteral("Own"));
     series->SetDrawOnSecondaryAxis(true);
-    EXPECT_EQ(chart.AddSeries(series, false, QStringLiteral("Ignored")), 0);
+    chart.AddSeries(series, false, QStringLiteral("Ignored"));
     EXPECT_EQ(chart.GetSeries(0), series) << "the chart shares the host's object";
     EXPECT_TRUE(series->DrawOnSecondaryAxis());
     EXPECT_EQ(chart.LegendCaptions(), QStringList{QStringLiteral("Own")});

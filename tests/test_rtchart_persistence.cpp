@@ -3,7 +3,6 @@
 #include "testsupport.h"
 
 #include <memory>
-#include <random>
 #include <vector>
 
 using trv5::Axis;
@@ -158,25 +157,11 @@ TEST(RTChartPersistence, AnyTextLoadsWithoutHarm) {
         (void)chart.ToString();
         (void)chart.GetChartDataAsString();
     }
-    // Every prefix of a valid state, and random byte damage to it, loads without harm and
-    // leaves a chart that can still save and export.
+    // Every prefix of a valid state loads without harm and leaves a chart that can still save
+    // and export (the fuzz targets go further).
     for (qsizetype length = 0; length < valid.size(); length += 7) {
         RTChart chart;
         chart.FromString(valid.left(length));
-        (void)chart.ToString();
-        (void)chart.GetChartDataAsString();
-    }
-    std::mt19937 random(7);
-    const QString alphabet = QStringLiteral("<>/='\"|&;0123456789.-EeINFaxs ");
-    for (int round = 0; round < 300; ++round) {
-        QString damaged = valid;
-        for (int edit = 0; edit < 3; ++edit) {
-            const auto at =
-                static_cast<qsizetype>(random() % static_cast<unsigned>(damaged.size()));
-            damaged[at] = alphabet[static_cast<qsizetype>(random() % alphabet.size())];
-        }
-        RTChart chart;
-        chart.FromString(damaged);
         (void)chart.ToString();
         (void)chart.GetChartDataAsString();
     }

@@ -90,13 +90,6 @@ TEST(XmlDocument, AbsoluteQueriesAndSiblings) {
     EXPECT_TRUE(document.SelectNodes("//[broken").empty());
 }
 
-TEST(XmlDocument, ReadsUtf8FromQString) {
-    XmlDocument document;
-    ASSERT_TRUE(document.LoadXml(QStringLiteral("<e name='Fitnéss ✓'/>")));
-    EXPECT_EQ(QString::fromUtf8(document.DocumentElement().AttributeValue(0).data()),
-              QStringLiteral("Fitnéss ✓"));
-}
-
 TEST(XmlDocument, DeeplyNestedInputDoesNotExhaustTheStack) {
     std::string text;
     const int depth = 200000;

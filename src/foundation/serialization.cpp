@@ -52,4 +52,24 @@ QString FromUtf8(std::string_view pText) {
     return QString::fromUtf8(pText.data(), static_cast<qsizetype>(pText.size()));
 }
 
+void SetNumberAttribute(platform::XmlNode& pElement, int pIndex, double pValue) {
+    std::string text;
+    AppendNumber(text, pValue);
+    pElement.SetAttributeValue(pIndex, text);
+}
+
+void SetWholeAttribute(platform::XmlNode& pElement, int pIndex, std::int64_t pValue) {
+    std::string text;
+    AppendWhole(text, pValue);
+    pElement.SetAttributeValue(pIndex, text);
+}
+
+void SetBoolAttribute(platform::XmlNode& pElement, int pIndex, bool pValue) {
+    pElement.SetAttributeValue(pIndex, pValue ? "1" : "0");
+}
+
+void SetTextAttribute(platform::XmlNode& pElement, int pIndex, const QString& pValue) {
+    pElement.SetAttributeValue(pIndex, ToUtf8(pValue));
+}
+
 } // namespace trv5::serialization

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/xmldocument.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -33,6 +35,12 @@ inline bool ReadBool(std::string_view pText) {
 std::string ToUtf8(const QString& pText);
 QString FromUtf8(std::string_view pText);
 
+// Attribute writers for template-filled elements, by position.
+void SetNumberAttribute(platform::XmlNode& pElement, int pIndex, double pValue);
+void SetWholeAttribute(platform::XmlNode& pElement, int pIndex, std::int64_t pValue);
+void SetBoolAttribute(platform::XmlNode& pElement, int pIndex, bool pValue);
+void SetTextAttribute(platform::XmlNode& pElement, int pIndex, const QString& pValue);
+
 // Runs pWork and swallows whatever it throws. Saved state is handed back by hosts from files
 // that may be damaged, and a damaged fragment must never take the host down: the reader keeps
 // what it had read before the damage. Returns false when something was swallowed.
@@ -43,6 +51,29 @@ template <class Work> bool RunTrapped(Work&& pWork) noexcept {
     } catch (...) {
         return false;
     }
+}
+
+// ToString of an element writer: the text pWrite appends, or empty when it fails.
+template <class Write> QString WriteTrapped(Write&& pWrite) {
+    std::string xml;
+    if (!RunTrapped([&] { pWrite(xml); })) {
+        return {};
+    }
+    return FromUtf8(xml);
+}
+
+// FromString of an element reader: an empty or malformed text changes nothing, and a damaged
+// element keeps what pRead assigned before the damage.
+template <class Read> void ReadTrapped(const QString& pText, Read&& pRead) {
+    if (pText.isEmpty()) {
+        return;
+    }
+    platform::XmlDocument document;
+    if (!document.LoadXml(pText)) {
+        return;
+    }
+    const platform::XmlNode element = document.DocumentElement();
+    RunTrapped([&] { pRead(element); });
 }
 
 } // namespace trv5::serialization

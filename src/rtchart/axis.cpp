@@ -43,36 +43,21 @@ void Axis::AppendXml(std::string& pOut) const {
     platform::XmlDocument document;
     document.LoadXml(std::string_view(kTemplate));
     platform::XmlNode element = document.DocumentElement();
-    std::string number;
-    serialization::AppendNumber(number, m_minimum);
-    element.SetAttributeValue(kMin, number);
-    number.clear();
-    serialization::AppendNumber(number, m_maximum);
-    element.SetAttributeValue(kMax, number);
-    element.SetAttributeValue(kIsSecondary, m_isSecondaryAxis ? "1" : "0");
-    element.SetAttributeValue(kName, serialization::ToUtf8(m_name));
-    element.SetAttributeValue(kFormat, serialization::ToUtf8(m_format));
+    serialization::SetNumberAttribute(element, kMin, m_minimum);
+    serialization::SetNumberAttribute(element, kMax, m_maximum);
+    serialization::SetBoolAttribute(element, kIsSecondary, m_isSecondaryAxis);
+    serialization::SetTextAttribute(element, kName, m_name);
+    serialization::SetTextAttribute(element, kFormat, m_format);
     element.AppendXml(pOut);
 }
 
 QString Axis::ToString() {
-    std::string xml;
-    if (!serialization::RunTrapped([&] { AppendXml(xml); })) {
-        return {};
-    }
-    return serialization::FromUtf8(xml);
+    return serialization::WriteTrapped([this](std::string& pOut) { AppendXml(pOut); });
 }
 
 void Axis::FromString(const QString& pText) {
-    if (pText.isEmpty()) {
-        return;
-    }
-    platform::XmlDocument document;
-    if (!document.LoadXml(pText)) {
-        return;
-    }
-    const platform::XmlNode element = document.DocumentElement();
-    serialization::RunTrapped([&] { ReadElement(element); });
+    serialization::ReadTrapped(
+        pText, [this](const platform::XmlNode& pElement) { ReadElement(pElement); });
 }
 
 void Axis::ReadElement(const platform::XmlNode& pElement) {

@@ -393,11 +393,7 @@ void RTChart::AppendXml(std::string& pOut) {
 }
 
 QString RTChart::ToString() {
-    std::string xml;
-    if (!serialization::RunTrapped([&] { AppendXml(xml); })) {
-        return {};
-    }
-    return serialization::FromUtf8(xml);
+    return serialization::WriteTrapped([this](std::string& pOut) { AppendXml(pOut); });
 }
 
 void RTChart::FromString(const QString& pText) {

@@ -162,24 +162,29 @@ double Series::GetOriginalValue(std::int32_t pIndex) const {
     return m_dataReady ? At(m_originalValues, pIndex) : 0.0;
 }
 
-double Series::GetMinValue() const {
+namespace {
+// An extreme over every slot of pValues; the scans take their count by reference.
+double WholeArray(double (*pScan)(std::span<const double>, std::int32_t&),
+                  std::span<const double> pValues) {
     std::int32_t whole = -1;
-    return m_dataReady ? MathHelper::ArrayMin(m_values, whole) : 0.0;
+    return pScan(pValues, whole);
+}
+} // namespace
+
+double Series::GetMinValue() const {
+    return m_dataReady ? WholeArray(MathHelper::ArrayMin, m_values) : 0.0;
 }
 
 double Series::GetMaxValue() const {
-    std::int32_t whole = -1;
-    return m_dataReady ? MathHelper::ArrayMax(m_values, whole) : 0.0;
+    return m_dataReady ? WholeArray(MathHelper::ArrayMax, m_values) : 0.0;
 }
 
 double Series::GetOriginalMinValue() const {
-    std::int32_t whole = -1;
-    return m_dataReady ? MathHelper::ArrayMin(m_originalValues, whole) : 0.0;
+    return m_dataReady ? WholeArray(MathHelper::ArrayMin, m_originalValues) : 0.0;
 }
 
 double Series::GetOriginalMaxValue() const {
-    std::int32_t whole = -1;
-    return m_dataReady ? MathHelper::ArrayMax(m_originalValues, whole) : 0.0;
+    return m_dataReady ? WholeArray(MathHelper::ArrayMax, m_originalValues) : 0.0;
 }
 
 void Series::PrepareValues(std::span<const double> pInput, std::vector<double>& pOutput) {
@@ -221,32 +226,17 @@ void Series::AppendXml(std::string& pOut) {
     platform::XmlDocument document;
     document.LoadXml(std::string_view(kTemplate));
     platform::XmlNode element = document.DocumentElement();
-    std::string text;
-    element.SetAttributeValue(kName, serialization::ToUtf8(m_name));
-    serialization::AppendNumber(text, m_minimum);
-    element.SetAttributeValue(kMin, text);
-    text.clear();
-    serialization::AppendNumber(text, m_maximum);
-    element.SetAttributeValue(kMax, text);
-    text.clear();
-    serialization::AppendWhole(text, m_setType);
-    element.SetAttributeValue(kSetType, text);
-    element.SetAttributeValue(kDrawSecondary, m_drawOnSecondaryAxis ? "1" : "0");
-    text.clear();
-    serialization::AppendWhole(text, m_point);
-    element.SetAttributeValue(kPoint, text);
-    text.clear();
-    serialization::AppendWhole(text, m_colour);
-    element.SetAttributeValue(kColour, text);
-    text.clear();
-    serialization::AppendWhole(text, Count());
-    element.SetAttributeValue(kCount, text);
-    text.clear();
-    serialization::AppendWhole(text, m_dataType);
-    element.SetAttributeValue(kDataType, text);
-    text.clear();
-    serialization::AppendWhole(text, m_lastPoint);
-    element.SetAttributeValue(kLastPoint, text);
+    using namespace serialization;
+    SetTextAttribute(element, kName, m_name);
+    SetNumberAttribute(element, kMin, m_minimum);
+    SetNumberAttribute(element, kMax, m_maximum);
+    SetWholeAttribute(element, kSetType, m_setType);
+    SetBoolAttribute(element, kDrawSecondary, m_drawOnSecondaryAxis);
+    SetWholeAttribute(element, kPoint, m_point);
+    SetWholeAttribute(element, kColour, m_colour);
+    SetWholeAttribute(element, kCount, Count());
+    SetWholeAttribute(element, kDataType, m_dataType);
+    SetWholeAttribute(element, kLastPoint, m_lastPoint);
 
     // The values are streamed straight into the output: numbers need no escaping, and a copy
     // through the document would double the cost of saving a long series.
@@ -261,23 +251,12 @@ void Series::AppendXml(std::string& pOut) {
 }
 
 QString Series::ToString() {
-    std::string xml;
-    if (!serialization::RunTrapped([&] { AppendXml(xml); })) {
-        return {};
-    }
-    return serialization::FromUtf8(xml);
+    return serialization::WriteTrapped([this](std::string& pOut) { AppendXml(pOut); });
 }
 
 void Series::FromString(const QString& pText) {
-    if (pText.isEmpty()) {
-        return;
-    }
-    platform::XmlDocument document;
-    if (!document.LoadXml(pText)) {
-        return;
-    }
-    const platform::XmlNode element = document.DocumentElement();
-    serialization::RunTrapped([&] { ReadElement(element); });
+    serialization::ReadTrapped(
+        pText, [this](const platform::XmlNode& pElement) { ReadElement(pElement); });
 }
 
 void Series::ReadElement(const platform::XmlNode& pElement) {
