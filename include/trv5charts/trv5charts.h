@@ -4,6 +4,7 @@
 
 #include <trv5charts/axis.h>
 #include <trv5charts/axisrange.h>
+#include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
 #include <trv5charts/colorconverter.h>
 #include <trv5charts/hostsettings.h>

@@ -1,0 +1,418 @@
+#include <trv5charts/capture.h>
+
+#include "platform/clipboardaccess.h"
+#include "platform/printeraccess.h"
+#include "testsupport.h"
+
+#include <QColor>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QMenu>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTransform>
+#include <QWidget>
+
+#include <climits>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+using trv5::IPrintDialog;
+using trv5::PrintSettings;
+using trv5::platform::ClipboardAccess;
+
+const QColor Fill(30, 144, 200);
+const QColor Marker(250, 20, 40);
+constexpr int MarkerSize = 10;
+
+// A widget in a known colour with a marker square at its top-left corner, so that a capture
+// that is shifted, cropped or mirrored shows up in the pixels.
+class PaintedWidget : public QWidget {
+public:
+    explicit PaintedWidget(int pWidth, int pHeight) { resize(pWidth, pHeight); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), Fill);
+        painter.fillRect(QRect(0, 0, MarkerSize, MarkerSize), Marker);
+    }
+};
+
+QColor PixelAt(const QImage& pImage, int pX, int pY) {
+    return pImage.pixelColor(pX, pY);
+}
+
+// Answers the print dialog the way a user would, and writes to PDF so that the output can be
+// inspected.
+class AnsweringDialog : public IPrintDialog {
+public:
+    int copies = 1;
+    QPageLayout::Orientation orientation = QPageLayout::Portrait;
+    bool cancel = false;
+    bool fail = false;
+    QString outputFile;
+    int shown = 0;
+
+    bool Exec(PrintSettings& pSettings) override {
+        ++shown;
+        if (fail) {
+            throw std::runtime_error("printer dialog failed");
+        }
+        if (cancel) {
+            return false;
+        }
+        pSettings.copies = copies;
+        pSettings.orientation = orientation;
+        pSettings.outputFile = outputFile;
+        return true;
+    }
+};
+
+// What the tests need to know about a PDF file written by the print command.
+struct PdfFacts {
+    bool valid = false;
+    int pages = 0;
+    double mediaWidth = 0;
+    double mediaHeight = 0;
+    int images = 0;
+    int imageWidth = 0;
+    int imageHeight = 0;
+    // Where the page's content stream puts the picture, in points from the page's top-left.
+    QRectF imagePlacement;
+};
+
+// Follows the graphics state of a page's content stream up to the image it draws, so that the
+// test sees where and how large the picture lands on paper.
+QRectF ImagePlacement(const QByteArray& pContent) {
+    QTransform current;
+    std::vector<QTransform> saved;
+    std::vector<double> operands;
+    for (const QByteArray& token : pContent.simplified().split(' ')) {
+        bool number = false;
+        const double value = token.toDouble(&number);
+        if (number) {
+            operands.push_back(value);
+            continue;
+        }
+        if (token == "q") {
+            saved.push_back(current);
+        } else if (token == "Q" && !saved.empty()) {
+            current = saved.back();
+            saved.pop_back();
+        } else if (token == "cm" && operands.size() >= 6) {
+            const auto m = operands.end() - 6;
+            current = QTransform(m[0], m[1], m[2], m[3], m[4], m[5]) * current;
+        } else if (token == "Do") {
+            return current.mapRect(QRectF(0, 0, 1, 1));
+        }
+        operands.clear();
+    }
+    return {};
+}
+
+// Inflates the first compressed stream after pFrom.
+QByteArray InflateStreamAfter(const QByteArray& pData, qsizetype pFrom) {
+    const qsizetype start = pData.indexOf("stream\n", pFrom);
+    const qsizetype end = pData.indexOf("endstream", start);
+    if (start < 0 || end < 0) {
+        return {};
+    }
+    // qUncompress wants the expected size up front, big-endian.
+    QByteArray framed("\x00\x10\x00\x00", 4);
+    framed += pData.mid(start + 7, end - start - 7);
+    return qUncompress(framed);
+}
+
+PdfFacts ReadPdf(const QString& pPath) {
+    PdfFacts facts;
+    QFile file(pPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return facts;
+    }
+    const QByteArray data = file.readAll();
+    const QString text = QString::fromLatin1(data);
+    facts.valid = data.startsWith("%PDF-") && data.trimmed().endsWith("%%EOF");
+    // "/Type /Page" objects, not the "/Type /Pages" tree root.
+    facts.pages = static_cast<int>(
+        text.count(QRegularExpression(QStringLiteral("/Type\\s*/Page(?![s\\w])"))));
+    const QRegularExpressionMatch box =
+        QRegularExpression(
+            QStringLiteral(
+                "/MediaBox\\s*\\[\\s*([-\\d.]+)\\s+([-\\d.]+)\\s+([-\\d.]+)\\s+([-\\d.]+)"))
+            .match(text);
+    if (box.hasMatch()) {
+        facts.mediaWidth = box.captured(3).toDouble() - box.captured(1).toDouble();
+        facts.mediaHeight = box.captured(4).toDouble() - box.captured(2).toDouble();
+    }
+    QRegularExpressionMatchIterator images =
+        QRegularExpression(
+            QStringLiteral("/Subtype\\s*/Image\\s*/Width\\s+(\\d+)\\s*/Height\\s+(\\d+)"))
+            .globalMatch(text);
+    while (images.hasNext()) {
+        const QRegularExpressionMatch image = images.next();
+        ++facts.images;
+        facts.imageWidth = image.captured(1).toInt();
+        facts.imageHeight = image.captured(2).toInt();
+    }
+    const qsizetype page = data.indexOf("/Type /Page\n");
+    const QRegularExpressionMatch contents =
+        QRegularExpression(QStringLiteral("/Contents\\s+(\\d+) 0 R")).match(text, page);
+    if (page >= 0 && contents.hasMatch()) {
+        const qsizetype object = data.indexOf("\n" + contents.captured(1).toLatin1() + " 0 obj");
+        const QRectF placed = ImagePlacement(InflateStreamAfter(data, object));
+        // PDF measures upwards from the bottom; the tests think in pages read from the top.
+        facts.imagePlacement = QRectF(placed.left(), facts.mediaHeight - placed.bottom(),
+                                      placed.width(), placed.height());
+    }
+    return facts;
+}
+
+QStringList FilesIn(const QTemporaryDir& pDir) {
+    return QDir(pDir.path()).entryList(QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Capture
+
+TEST(CaptureTest, ControlPictureHasTheWidgetsSizeAndColours) {
+    PaintedWidget widget(64, 40);
+    widget.show();
+    const QImage picture = trv5::CaptureControl(&widget);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(picture.size(), QSize(64, 40));
+    EXPECT_EQ(PixelAt(picture, 0, 0), Marker);
+    EXPECT_EQ(PixelAt(picture, MarkerSize - 1, MarkerSize - 1), Marker);
+    EXPECT_EQ(PixelAt(picture, MarkerSize, 0), Fill);
+    EXPECT_EQ(PixelAt(picture, 63, 39), Fill);
+}
+
+TEST(CaptureTest, HiddenWidgetIsStillCapturedFromItsOwnDrawing) {
+    PaintedWidget widget(30, 20);
+    const QImage picture = trv5::CaptureControl(&widget);
+    ASSERT_EQ(picture.size(), QSize(30, 20));
+    EXPECT_EQ(PixelAt(picture, 0, 0), Marker);
+    EXPECT_EQ(PixelAt(picture, 29, 19), Fill);
+}
+
+TEST(CaptureTest, WindowRectangleIsTakenFromTheGivenOrigin) {
+    PaintedWidget widget(50, 30);
+    const QImage picture = trv5::CaptureWindow(&widget, true, 5, 6, 20, 10);
+    ASSERT_EQ(picture.size(), QSize(20, 10));
+    // The marker covers widget pixels 0-9, i.e. picture pixels 0-4 across and 0-3 down.
+    EXPECT_EQ(PixelAt(picture, 0, 0), Marker);
+    EXPECT_EQ(PixelAt(picture, 4, 3), Marker);
+    EXPECT_EQ(PixelAt(picture, 5, 0), Fill);
+    EXPECT_EQ(PixelAt(picture, 0, 4), Fill);
+    EXPECT_EQ(PixelAt(picture, 19, 9), Fill);
+}
+
+TEST(CaptureTest, RectangleBeyondTheWidgetIsBlackOutsideIt) {
+    PaintedWidget widget(20, 20);
+    const QImage picture = trv5::CaptureWindow(&widget, true, -5, 10, 40, 20);
+    ASSERT_EQ(picture.size(), QSize(40, 20));
+    EXPECT_EQ(PixelAt(picture, 0, 0), QColor(Qt::black));
+    EXPECT_EQ(PixelAt(picture, 5, 0), Fill);
+    EXPECT_EQ(PixelAt(picture, 24, 9), Fill);
+    EXPECT_EQ(PixelAt(picture, 25, 0), QColor(Qt::black));
+    EXPECT_EQ(PixelAt(picture, 5, 10), QColor(Qt::black));
+}
+
+TEST(CaptureTest, ChildWindowWithFrameFlagMatchesItsClientArea) {
+    QWidget parent;
+    parent.resize(100, 100);
+    auto* child = new PaintedWidget(40, 30);
+    child->setParent(&parent);
+    child->move(20, 25);
+    const QImage client = trv5::CaptureWindow(child, true, 0, 0, 40, 30);
+    const QImage window = trv5::CaptureWindow(child, false, 0, 0, 40, 30);
+    EXPECT_EQ(client, window);
+    EXPECT_EQ(PixelAt(window, 0, 0), Marker);
+}
+
+TEST(CaptureTest, NothingToCaptureGivesANullPicture) {
+    EXPECT_TRUE(trv5::CaptureControl(nullptr).isNull());
+    PaintedWidget empty(0, 0);
+    empty.show();
+    EXPECT_TRUE(trv5::CaptureControl(&empty).isNull());
+    PaintedWidget widget(10, 10);
+    EXPECT_TRUE(trv5::CaptureWindow(&widget, true, 0, 0, 0, 10).isNull());
+    EXPECT_TRUE(trv5::CaptureWindow(&widget, true, 0, 0, 10, -1).isNull());
+}
+
+TEST(CaptureTest, OriginNearTheIntegerLimitsDoesNotOverflow) {
+    PaintedWidget widget(10, 10);
+    const QImage farAway = trv5::CaptureWindow(&widget, true, INT_MAX, INT_MAX, 4, 4);
+    ASSERT_EQ(farAway.size(), QSize(4, 4));
+    EXPECT_EQ(PixelAt(farAway, 3, 3), QColor(Qt::black));
+    const QImage before = trv5::CaptureWindow(&widget, true, INT_MIN, INT_MIN, 4, 4);
+    ASSERT_EQ(before.size(), QSize(4, 4));
+    EXPECT_EQ(PixelAt(before, 0, 0), QColor(Qt::black));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Copy to the clipboard
+
+TEST(CopyTest, ClipboardReceivesExactlyThePicture) {
+    ClipboardAccess::SetText(QStringLiteral("left over"));
+    PaintedWidget widget(48, 36);
+    widget.show();
+    trv5::CopyControlPicture(&widget);
+    const QImage copied = ClipboardAccess::Image();
+    ASSERT_EQ(copied.size(), QSize(48, 36));
+    EXPECT_EQ(PixelAt(copied, 0, 0), Marker);
+    EXPECT_EQ(PixelAt(copied, 47, 35), Fill);
+    EXPECT_TRUE(ClipboardAccess::Text().isEmpty());
+}
+
+TEST(CopyTest, OpenContextMenuIsClosedBeforeCapturing) {
+    PaintedWidget widget(40, 40);
+    widget.show();
+    QMenu menu(&widget);
+    menu.addAction(QStringLiteral("&Copy Chart"));
+    menu.popup(widget.mapToGlobal(QPoint(1, 1)));
+    ASSERT_TRUE(menu.isVisible());
+    trv5::CopyControlPicture(&widget, &menu);
+    EXPECT_FALSE(menu.isVisible());
+    EXPECT_EQ(ClipboardAccess::Image().size(), QSize(40, 40));
+}
+
+TEST(CopyTest, EmptyControlLeavesTheClipboardCleared) {
+    ClipboardAccess::SetText(QStringLiteral("stale"));
+    PaintedWidget empty(0, 0);
+    trv5::CopyControlPicture(&empty);
+    EXPECT_TRUE(ClipboardAccess::Text().isEmpty());
+    EXPECT_TRUE(ClipboardAccess::Image().isNull());
+
+    ClipboardAccess::SetText(QStringLiteral("stale"));
+    trv5::CopyControlPicture(nullptr);
+    EXPECT_TRUE(ClipboardAccess::Text().isEmpty());
+}
+
+TEST(CopyTest, TextRoundTripsUnchanged) {
+    const QString table =
+        QStringLiteral("Generation\tBest\r\n1\t0,5\r\n2\t\u00b5 \u2212 1e-300\r\n");
+    ClipboardAccess::SetText(table);
+    EXPECT_EQ(ClipboardAccess::Text(), table);
+    ClipboardAccess::Clear();
+    EXPECT_TRUE(ClipboardAccess::Text().isEmpty());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Print
+
+class PrintTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        widget.show();
+        dialog.outputFile = dir.filePath(QStringLiteral("chart.pdf"));
+    }
+
+    QTemporaryDir dir;
+    PaintedWidget widget{60, 45};
+    AnsweringDialog dialog;
+};
+
+TEST_F(PrintTest, EachCopyIsItsOwnLandscapeDocument) {
+    dialog.copies = 3;
+    dialog.orientation = QPageLayout::Landscape;
+    trv5::PrintControlPicture(&widget, dialog);
+
+    EXPECT_EQ(dialog.shown, 1);
+    ASSERT_EQ(FilesIn(dir),
+              (QStringList{QStringLiteral("chart-1.pdf"), QStringLiteral("chart-2.pdf"),
+                           QStringLiteral("chart-3.pdf")}));
+    for (const QString& name : FilesIn(dir)) {
+        SCOPED_TRACE(name.toStdString());
+        const PdfFacts pdf = ReadPdf(dir.filePath(name));
+        EXPECT_TRUE(pdf.valid);
+        EXPECT_EQ(pdf.pages, 1);
+        EXPECT_GT(pdf.mediaWidth, pdf.mediaHeight);
+        EXPECT_EQ(pdf.images, 1);
+        EXPECT_EQ(pdf.imageWidth, 60);
+        EXPECT_EQ(pdf.imageHeight, 45);
+    }
+}
+
+TEST_F(PrintTest, PictureSitsTopLeftAtItsOnScreenSize) {
+    trv5::PrintControlPicture(&widget, dialog);
+    const PdfFacts pdf = ReadPdf(dialog.outputFile);
+    const QRectF placed = pdf.imagePlacement;
+    ASSERT_FALSE(placed.isEmpty()) << "no image drawn on the page";
+    // At the screen's resolution each pixel is 72 / dpi points; a picture drawn at the
+    // printer's own resolution would be a few points across instead.
+    const double pointsPerPixel = 72.0 / widget.logicalDpiX();
+    EXPECT_NEAR(placed.width(), 60 * pointsPerPixel, 0.5);
+    EXPECT_NEAR(placed.height(), 45 * pointsPerPixel, 0.5);
+    // The top-left corner of the printable area: inside the page's margins, nowhere else.
+    EXPECT_GE(placed.left(), 0.0);
+    EXPECT_LT(placed.left(), 40.0);
+    EXPECT_GE(placed.top(), 0.0);
+    EXPECT_LT(placed.top(), 40.0);
+}
+
+TEST_F(PrintTest, SingleCopyGoesToTheChosenFileInPortrait) {
+    trv5::PrintControlPicture(&widget, dialog);
+    ASSERT_EQ(FilesIn(dir), QStringList{QStringLiteral("chart.pdf")});
+    const PdfFacts pdf = ReadPdf(dialog.outputFile);
+    EXPECT_TRUE(pdf.valid);
+    EXPECT_EQ(pdf.pages, 1);
+    EXPECT_LT(pdf.mediaWidth, pdf.mediaHeight);
+    EXPECT_EQ(pdf.images, 1);
+}
+
+TEST_F(PrintTest, CancelledDialogPrintsNothing) {
+    dialog.cancel = true;
+    dialog.copies = 2;
+    QMenu menu(&widget);
+    menu.addAction(QStringLiteral("&Print"));
+    menu.popup(widget.mapToGlobal(QPoint(1, 1)));
+    trv5::PrintControlPicture(&widget, dialog, &menu);
+    EXPECT_EQ(dialog.shown, 1);
+    EXPECT_TRUE(FilesIn(dir).isEmpty());
+    // Cancelling ends the command before anything else happens, the menu included.
+    EXPECT_TRUE(menu.isVisible());
+}
+
+TEST_F(PrintTest, FailuresEndTheCommandQuietly) {
+    dialog.fail = true;
+    EXPECT_NO_THROW(trv5::PrintControlPicture(&widget, dialog));
+    dialog.fail = false;
+
+    dialog.copies = 2;
+    dialog.outputFile = dir.filePath(QStringLiteral("missing/folder/chart.pdf"));
+    EXPECT_NO_THROW(trv5::PrintControlPicture(&widget, dialog));
+    EXPECT_TRUE(FilesIn(dir).isEmpty());
+    EXPECT_FALSE(QDir(dir.filePath(QStringLiteral("missing"))).exists());
+}
+
+TEST_F(PrintTest, NoCopiesOrNoPicturePrintsNothing) {
+    dialog.copies = 0;
+    trv5::PrintControlPicture(&widget, dialog);
+    dialog.copies = -4;
+    trv5::PrintControlPicture(&widget, dialog);
+    dialog.copies = 2;
+    PaintedWidget empty(0, 0);
+    trv5::PrintControlPicture(&empty, dialog);
+    trv5::PrintControlPicture(nullptr, dialog);
+    EXPECT_EQ(dialog.shown, 4);
+    EXPECT_TRUE(FilesIn(dir).isEmpty());
+}
+
+TEST(PrintFileNameTest, CopiesAreNumberedOnlyWhenThereAreSeveral) {
+    using trv5::platform::PrinterAccess;
+    EXPECT_EQ(PrinterAccess::CopyFileName(QStringLiteral("/t/a.pdf"), 1, 1),
+              QStringLiteral("/t/a.pdf"));
+    EXPECT_EQ(PrinterAccess::CopyFileName(QStringLiteral("/t/a.PDF"), 2, 3),
+              QStringLiteral("/t/a-2.pdf"));
+    EXPECT_EQ(PrinterAccess::CopyFileName(QStringLiteral("/t/a"), 3, 3),
+              QStringLiteral("/t/a-3.pdf"));
+}
