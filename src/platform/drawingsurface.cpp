@@ -1,0 +1,683 @@
+#include "platform/drawingsurface.h"
+
+#include "platform/colour.h"
+
+#include <QFontMetricsF>
+#include <QLineF>
+#include <QPaintEvent>
+#include <QRect>
+#include <QResizeEvent>
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace trv5::platform {
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// Rasters beyond this many pixels (a 16384 x 16384 picture) are not allocated: such a widget
+// cannot be shown anyway, and the allocation alone could exhaust memory.
+constexpr double kMaxRasterPixels = 16384.0 * 16384.0;
+
+// Ratios outside this range are not real screens; they would only make rasters absurdly large
+// or empty.
+constexpr double kMinRatio = 0.25;
+constexpr double kMaxRatio = 16.0;
+
+// Circles whose radius exceeds this many device pixels are not drawn: the rasterizer works in
+// fixed point and such a circle is a mistake in the caller's scale, not a picture.
+constexpr double kMaxCircleRadius = 1 << 20;
+
+// Text anchored further than this outside the raster cannot reach it.
+constexpr double kMaxTextOffset = 1 << 20;
+
+bool Finite(double pValue) {
+    return std::isfinite(pValue);
+}
+
+// Clips the segment to the rectangle (Liang-Barsky); false when nothing of it is inside. A
+// clipped end is put exactly on the edge that cut it, so that a horizontal or vertical line
+// with far-off ends (where t carries no usable precision) stays exactly on its row or column.
+bool ClipSegment(double& pX1, double& pY1, double& pX2, double& pY2, double pLeft, double pTop,
+                 double pRight, double pBottom) {
+    const double dx = pX2 - pX1;
+    const double dy = pY2 - pY1;
+    if (!Finite(dx) || !Finite(dy)) {
+        return false;
+    }
+    double t0 = 0.0;
+    double t1 = 1.0;
+    int edge0 = -1;
+    int edge1 = -1;
+    const double p[4] = {-dx, dx, -dy, dy};
+    const double q[4] = {pX1 - pLeft, pRight - pX1, pY1 - pTop, pBottom - pY1};
+    for (int i = 0; i < 4; ++i) {
+        if (p[i] == 0.0) {
+            if (q[i] < 0.0) {
+                return false;
+            }
+            continue;
+        }
+        const double r = q[i] / p[i];
+        if (p[i] < 0.0) {
+            if (r > t0) {
+                t0 = r;
+                edge0 = i;
+            }
+        } else if (r < t1) {
+            t1 = r;
+            edge1 = i;
+        }
+        if (t0 > t1) {
+            return false;
+        }
+    }
+    const double edges[4] = {pLeft, pRight, pTop, pBottom};
+    const auto pointAt = [&](int pEdge, double& pX, double& pY) {
+        if (pEdge < 0) {
+            return;
+        }
+        if (pEdge < 2) {
+            pX = edges[pEdge];
+            pY = dy == 0.0 ? pY1 : pY1 + (pX - pX1) * (dy / dx);
+        } else {
+            pY = edges[pEdge];
+            pX = dx == 0.0 ? pX1 : pX1 + (pY - pY1) * (dx / dy);
+        }
+    };
+    double x1 = pX1;
+    double y1 = pY1;
+    double x2 = pX2;
+    double y2 = pY2;
+    pointAt(edge0, x1, y1);
+    pointAt(edge1, x2, y2);
+    if (!Finite(x1) || !Finite(y1) || !Finite(x2) || !Finite(y2)) {
+        return false;
+    }
+    // Rounding in the interpolation of a very long segment can leave a point off the edge; the
+    // rasterizer must only ever see bounded coordinates.
+    pX1 = std::clamp(x1, pLeft, pRight);
+    pY1 = std::clamp(y1, pTop, pBottom);
+    pX2 = std::clamp(x2, pLeft, pRight);
+    pY2 = std::clamp(y2, pTop, pBottom);
+    return true;
+}
+
+// A device coordinate as a whole pixel edge, limited to a margin around the raster so that the
+// conversion to int is always defined.
+int PixelEdge(double pValue, double pLimit) {
+    return static_cast<int>(std::nearbyint(std::clamp(pValue, -pLimit, pLimit)));
+}
+
+std::int32_t ColourValue(QRgb pPixel) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(qRed(pPixel)) |
+                                     (static_cast<std::uint32_t>(qGreen(pPixel)) << 8) |
+                                     (static_cast<std::uint32_t>(qBlue(pPixel)) << 16));
+}
+
+Qt::PenStyle PenStyleOf(DrawingSurface::DrawStyle pStyle) {
+    switch (pStyle) {
+    case DrawingSurface::DrawStyle::Dash:
+        return Qt::DashLine;
+    case DrawingSurface::DrawStyle::Dot:
+        return Qt::DotLine;
+    case DrawingSurface::DrawStyle::DashDot:
+        return Qt::DashDotLine;
+    case DrawingSurface::DrawStyle::DashDotDot:
+        return Qt::DashDotDotLine;
+    case DrawingSurface::DrawStyle::Invisible:
+        return Qt::NoPen;
+    case DrawingSurface::DrawStyle::Solid:
+        break;
+    }
+    return Qt::SolidLine;
+}
+
+QStringList LinesOf(const QString& pText) {
+    return pText.split(QLatin1Char('\n'));
+}
+
+} // namespace
+
+DrawingSurface::DrawingSurface(QWidget* pParent) : QWidget(pParent) {
+    // The raster covers the whole widget, so Qt need not erase the background first.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    SyncRaster();
+}
+
+DrawingSurface::~DrawingSurface() {
+    EndPainting();
+}
+
+// ---- coordinate system ----
+
+double DrawingSurface::ScaleLeft() const {
+    return m_scaleMode == ScaleMode::Pixel ? 0.0 : m_scaleLeft;
+}
+
+double DrawingSurface::ScaleTop() const {
+    return m_scaleMode == ScaleMode::Pixel ? 0.0 : m_scaleTop;
+}
+
+double DrawingSurface::ScaleWidth() const {
+    return m_scaleMode == ScaleMode::Pixel ? static_cast<double>(width()) : m_scaleWidth;
+}
+
+double DrawingSurface::ScaleHeight() const {
+    return m_scaleMode == ScaleMode::Pixel ? static_cast<double>(height()) : m_scaleHeight;
+}
+
+void DrawingSurface::EnterUserMode() {
+    if (m_scaleMode == ScaleMode::Pixel) {
+        m_scaleLeft = 0.0;
+        m_scaleTop = 0.0;
+        m_scaleWidth = width();
+        m_scaleHeight = height();
+        m_scaleMode = ScaleMode::User;
+    }
+}
+
+void DrawingSurface::SetScale(double pLeft, double pTop, double pWidth, double pHeight) {
+    m_scaleMode = ScaleMode::User;
+    m_scaleLeft = pLeft;
+    m_scaleTop = pTop;
+    m_scaleWidth = pWidth;
+    m_scaleHeight = pHeight;
+}
+
+void DrawingSurface::SetScaleLeft(double pValue) {
+    EnterUserMode();
+    m_scaleLeft = pValue;
+}
+
+void DrawingSurface::SetScaleTop(double pValue) {
+    EnterUserMode();
+    m_scaleTop = pValue;
+}
+
+void DrawingSurface::SetScaleWidth(double pValue) {
+    EnterUserMode();
+    m_scaleWidth = pValue;
+}
+
+void DrawingSurface::SetScaleHeight(double pValue) {
+    EnterUserMode();
+    m_scaleHeight = pValue;
+}
+
+void DrawingSurface::SetScaleMode(ScaleMode pMode) {
+    if (pMode == ScaleMode::User) {
+        EnterUserMode();
+    } else {
+        m_scaleMode = ScaleMode::Pixel;
+    }
+}
+
+double DrawingSurface::ScaleX(double pWidth, ScaleMode pFrom, ScaleMode pTo) const {
+    if (pFrom == pTo) {
+        return pWidth;
+    }
+    const double pixels = width();
+    const double units = ScaleWidth();
+    if (pixels == 0.0 || units == 0.0 || !Finite(units)) {
+        return kNaN;
+    }
+    return pFrom == ScaleMode::User ? pWidth * (pixels / units) : pWidth * (units / pixels);
+}
+
+double DrawingSurface::ScaleY(double pHeight, ScaleMode pFrom, ScaleMode pTo) const {
+    if (pFrom == pTo) {
+        return pHeight;
+    }
+    const double pixels = height();
+    const double units = ScaleHeight();
+    if (pixels == 0.0 || units == 0.0 || !Finite(units)) {
+        return kNaN;
+    }
+    return pFrom == ScaleMode::User ? pHeight * (pixels / units) : pHeight * (units / pixels);
+}
+
+double DrawingSurface::ToPixelX(double pUserX) const {
+    return ScaleX(pUserX - ScaleLeft(), ScaleMode::User, ScaleMode::Pixel);
+}
+
+double DrawingSurface::ToPixelY(double pUserY) const {
+    return ScaleY(pUserY - ScaleTop(), ScaleMode::User, ScaleMode::Pixel);
+}
+
+double DrawingSurface::ToUserX(double pPixelX) const {
+    return ScaleLeft() + ScaleX(pPixelX, ScaleMode::Pixel, ScaleMode::User);
+}
+
+double DrawingSurface::ToUserY(double pPixelY) const {
+    return ScaleTop() + ScaleY(pPixelY, ScaleMode::Pixel, ScaleMode::User);
+}
+
+bool DrawingSurface::CanMap() const {
+    const double w = ScaleWidth();
+    const double h = ScaleHeight();
+    return !m_raster.isNull() && w != 0.0 && h != 0.0 && Finite(w) && Finite(h) &&
+           Finite(ScaleLeft()) && Finite(ScaleTop());
+}
+
+std::optional<DrawingSurface::DevicePoint> DrawingSurface::ToDevice(double pX, double pY) const {
+    if (!CanMap()) {
+        return std::nullopt;
+    }
+    // Through the raster's own size rather than the ratio, so that the whole scale lands exactly
+    // on the whole raster even when size x ratio is not a whole number.
+    const double x = (pX - ScaleLeft()) * (m_raster.width() / ScaleWidth());
+    const double y = (pY - ScaleTop()) * (m_raster.height() / ScaleHeight());
+    if (!Finite(x) || !Finite(y)) {
+        return std::nullopt;
+    }
+    return DevicePoint{x, y};
+}
+
+// ---- colours and styles ----
+
+void DrawingSurface::SetForeColor(std::int32_t pColour) {
+    m_foreColor = pColour;
+    m_penDirty = true;
+}
+
+void DrawingSurface::SetFillColor(std::int32_t pColour) {
+    m_fillColor = pColour;
+}
+
+void DrawingSurface::SetFillStyle(FillStyle pStyle) {
+    m_fillStyle = pStyle;
+}
+
+void DrawingSurface::SetDrawStyle(DrawStyle pStyle) {
+    m_drawStyle = pStyle;
+    m_penDirty = true;
+}
+
+void DrawingSurface::SetDrawWidth(int pWidth) {
+    // The upper bound only keeps the device width arithmetic far from overflow.
+    m_drawWidth = std::clamp(pWidth, 1, 1000);
+    m_penDirty = true;
+}
+
+int DrawingSurface::PenWidthInDevicePixels() const {
+    return std::max(1, static_cast<int>(std::lround(m_drawWidth * m_dpr)));
+}
+
+// ---- raster and painter ----
+
+double DrawingSurface::EffectiveRatio() const {
+    const double ratio = m_dprOverride > 0.0 ? m_dprOverride : devicePixelRatioF();
+    return Finite(ratio) ? std::clamp(ratio, kMinRatio, kMaxRatio) : 1.0;
+}
+
+double DrawingSurface::DevicePixelRatio() const {
+    SyncRaster();
+    return m_dpr;
+}
+
+void DrawingSurface::SetDevicePixelRatioForTesting(double pRatio) {
+    m_dprOverride = Finite(pRatio) && pRatio > 0.0 ? std::clamp(pRatio, kMinRatio, kMaxRatio) : 0.0;
+    SyncRaster();
+}
+
+void DrawingSurface::SyncRaster() const {
+    if (m_rasterLayout != size() || m_dpr != EffectiveRatio()) {
+        // A new size starts a new picture (the chart redraws for it); a new ratio alone, as
+        // when the window moves to another screen, keeps the picture.
+        Reallocate(m_rasterLayout == size());
+    }
+}
+
+void DrawingSurface::Reallocate(bool pKeepPicture) const {
+    EndPainting();
+    const QImage previous = m_raster;
+    m_rasterLayout = size();
+    m_dpr = EffectiveRatio();
+    m_penDirty = true;
+    m_raster = QImage();
+
+    const double deviceWidth = std::round(width() * m_dpr);
+    const double deviceHeight = std::round(height() * m_dpr);
+    if (deviceWidth < 1.0 || deviceHeight < 1.0 || deviceWidth * deviceHeight > kMaxRasterPixels) {
+        return;
+    }
+    QImage raster(static_cast<int>(deviceWidth), static_cast<int>(deviceHeight),
+                  QImage::Format_RGB32);
+    if (raster.isNull()) {
+        return;
+    }
+    raster.fill(ToQColor(m_backColor));
+    // Text is laid out at the widget's resolution, so that it measures on the raster as it
+    // does on the widget (TextWidth) and lands where the measurement says.
+    raster.setDotsPerMeterX(qRound(logicalDpiX() / 0.0254));
+    raster.setDotsPerMeterY(qRound(logicalDpiY() / 0.0254));
+    if (pKeepPicture && !previous.isNull()) {
+        QPainter painter(&raster);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(QRectF(0.0, 0.0, deviceWidth, deviceHeight), previous,
+                          QRectF(previous.rect()));
+    }
+    raster.setDevicePixelRatio(m_dpr);
+    m_raster = raster;
+}
+
+QPainter* DrawingSurface::Painter() {
+    SyncRaster();
+    if (m_painter) {
+        return &*m_painter;
+    }
+    if (m_raster.isNull()) {
+        return nullptr;
+    }
+    // The painter works in device pixels: with the ratio on the image, Qt would scale every
+    // coordinate and a shape could no longer be placed on exact pixels.
+    m_raster.setDevicePixelRatio(1.0);
+    m_painter.emplace(&m_raster);
+    if (!m_painter->isActive()) {
+        m_painter.reset();
+        m_raster.setDevicePixelRatio(m_dpr);
+        return nullptr;
+    }
+    m_painter->setRenderHint(QPainter::Antialiasing, false);
+    m_penDirty = true;
+    return &*m_painter;
+}
+
+void DrawingSurface::EndPainting() const {
+    if (m_painter) {
+        m_painter.reset();
+        m_raster.setDevicePixelRatio(m_dpr);
+    }
+}
+
+void DrawingSurface::ApplyPen(QPainter& pPainter) {
+    if (!m_penDirty) {
+        return;
+    }
+    QPen pen(ToQColor(m_foreColor));
+    pen.setWidth(PenWidthInDevicePixels());
+    pen.setStyle(PenStyleOf(m_drawStyle));
+    // Square caps make a solid line cover its end cells; dashes keep flat caps so that the
+    // gaps stay as long as the pattern says.
+    pen.setCapStyle(m_drawStyle == DrawStyle::Solid ? Qt::SquareCap : Qt::FlatCap);
+    pen.setJoinStyle(Qt::MiterJoin);
+    pPainter.setPen(pen);
+    m_penDirty = false;
+}
+
+void DrawingSurface::ScheduleUpdate() {
+    if (!m_updatePending) {
+        m_updatePending = true;
+        update();
+    }
+}
+
+const QImage& DrawingSurface::Raster() const {
+    SyncRaster();
+    EndPainting();
+    return m_raster;
+}
+
+void DrawingSurface::paintEvent(QPaintEvent* pEvent) {
+    m_updatePending = false;
+    SyncRaster();
+    EndPainting();
+    QPainter painter(this);
+    if (m_raster.isNull()) {
+        painter.fillRect(pEvent->rect(), ToQColor(m_backColor));
+        return;
+    }
+    painter.drawImage(QPointF(0.0, 0.0), m_raster);
+}
+
+void DrawingSurface::resizeEvent(QResizeEvent* pEvent) {
+    QWidget::resizeEvent(pEvent);
+    SyncRaster();
+}
+
+// ---- drawing ----
+
+void DrawingSurface::FillCells(double pX, double pY, const QColor& pColour) {
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
+        return;
+    }
+    const int w = PenWidthInDevicePixels();
+    const double limit = std::max(m_raster.width(), m_raster.height()) + 2.0 * w;
+    painter->fillRect(QRect(PixelEdge(pX, limit), PixelEdge(pY, limit), w, w), pColour);
+    ScheduleUpdate();
+}
+
+void DrawingSurface::StrokeCells(double pX1, double pY1, double pX2, double pY2) {
+    if (m_drawStyle == DrawStyle::Invisible) {
+        return;
+    }
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
+        return;
+    }
+    if (pX1 == pX2 && pY1 == pY2) {
+        // A stroke of no length still marks its cell, as a picture box does.
+        FillCells(pX1, pY1, ToQColor(m_foreColor));
+        return;
+    }
+    const int w = PenWidthInDevicePixels();
+    const double half = w / 2.0;
+    double x1 = pX1 + half;
+    double y1 = pY1 + half;
+    double x2 = pX2 + half;
+    double y2 = pY2 + half;
+    // Clipping first keeps far-off end points out of the rasterizer's fixed-point range.
+    const double margin = 2.0 * w + 2.0;
+    if (!ClipSegment(x1, y1, x2, y2, -margin, -margin, m_raster.width() + margin,
+                     m_raster.height() + margin)) {
+        return;
+    }
+    ApplyPen(*painter);
+    painter->drawLine(QLineF(x1, y1, x2, y2));
+    ScheduleUpdate();
+}
+
+void DrawingSurface::Cls() {
+    m_currentX = 0.0;
+    m_currentY = 0.0;
+    if (QPainter* painter = Painter()) {
+        painter->fillRect(m_raster.rect(), ToQColor(m_backColor));
+        ScheduleUpdate();
+    }
+}
+
+void DrawingSurface::Line(double pX1, double pY1, double pX2, double pY2) {
+    m_currentX = pX2;
+    m_currentY = pY2;
+    SyncRaster();
+    const auto from = ToDevice(pX1, pY1);
+    const auto to = ToDevice(pX2, pY2);
+    if (!from || !to) {
+        return;
+    }
+    StrokeCells(std::floor(from->x), std::floor(from->y), std::floor(to->x), std::floor(to->y));
+}
+
+void DrawingSurface::LineTo(double pX, double pY) {
+    Line(m_currentX, m_currentY, pX, pY);
+}
+
+void DrawingSurface::Box(double pX1, double pY1, double pX2, double pY2) {
+    m_currentX = pX2;
+    m_currentY = pY2;
+    SyncRaster();
+    const auto a = ToDevice(pX1, pY1);
+    const auto b = ToDevice(pX2, pY2);
+    if (!a || !b || m_drawStyle == DrawStyle::Invisible) {
+        return;
+    }
+    // The outline runs along the inside of the pixels FilledBox would fill, so an outline
+    // drawn over a filled box frames exactly that box.
+    const int w = PenWidthInDevicePixels();
+    const double limit = std::max(m_raster.width(), m_raster.height()) + 4.0 * w;
+    const int left = PixelEdge(std::min(a->x, b->x), limit);
+    const int right = std::max(PixelEdge(std::max(a->x, b->x), limit), left + 1);
+    const int top = PixelEdge(std::min(a->y, b->y), limit);
+    const int bottom = std::max(PixelEdge(std::max(a->y, b->y), limit), top + 1);
+    const double innerRight = std::max(left, right - w);
+    const double innerBottom = std::max(top, bottom - w);
+    StrokeCells(left, top, innerRight, top);
+    StrokeCells(left, innerBottom, innerRight, innerBottom);
+    StrokeCells(left, top, left, innerBottom);
+    StrokeCells(innerRight, top, innerRight, innerBottom);
+}
+
+void DrawingSurface::FilledBox(double pX1, double pY1, double pX2, double pY2,
+                               std::int32_t pColour) {
+    m_currentX = pX2;
+    m_currentY = pY2;
+    SyncRaster();
+    const auto a = ToDevice(pX1, pY1);
+    const auto b = ToDevice(pX2, pY2);
+    if (!a || !b) {
+        return;
+    }
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
+        return;
+    }
+    const double limit = std::max(m_raster.width(), m_raster.height()) + 2.0;
+    const int left = PixelEdge(std::min(a->x, b->x), limit);
+    const int right = std::max(PixelEdge(std::max(a->x, b->x), limit), left + 1);
+    const int top = PixelEdge(std::min(a->y, b->y), limit);
+    const int bottom = std::max(PixelEdge(std::max(a->y, b->y), limit), top + 1);
+    painter->fillRect(QRect(left, top, right - left, bottom - top), ToQColor(pColour));
+    ScheduleUpdate();
+}
+
+void DrawingSurface::Circle(double pCenterX, double pCenterY, double pRadius) {
+    SyncRaster();
+    const auto centre = ToDevice(pCenterX, pCenterY);
+    if (!centre) {
+        return;
+    }
+    const double radius = std::abs(pRadius * (m_raster.width() / ScaleWidth()));
+    if (!Finite(radius) || radius > kMaxCircleRadius) {
+        return;
+    }
+    if (centre->x + radius < -1.0 || centre->y + radius < -1.0 ||
+        centre->x - radius > m_raster.width() + 1.0 ||
+        centre->y - radius > m_raster.height() + 1.0) {
+        return;
+    }
+    if (radius < 0.5) {
+        // Too small for an ellipse; a dot keeps the position visible and hit-testable.
+        if (m_drawStyle != DrawStyle::Invisible) {
+            FillCells(std::floor(centre->x), std::floor(centre->y), ToQColor(m_foreColor));
+        }
+        return;
+    }
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
+        return;
+    }
+    ApplyPen(*painter);
+    if (m_fillStyle == FillStyle::Solid) {
+        painter->setBrush(ToQColor(m_fillColor));
+    } else {
+        painter->setBrush(Qt::NoBrush);
+    }
+    painter->drawEllipse(QPointF(centre->x, centre->y), radius, radius);
+    ScheduleUpdate();
+}
+
+void DrawingSurface::PSet(double pX, double pY, std::int32_t pColour) {
+    m_currentX = pX;
+    m_currentY = pY;
+    SyncRaster();
+    if (const auto point = ToDevice(pX, pY)) {
+        FillCells(std::floor(point->x), std::floor(point->y), ToQColor(pColour));
+    }
+}
+
+std::int32_t DrawingSurface::Point(double pX, double pY) const {
+    SyncRaster();
+    const auto point = ToDevice(pX, pY);
+    if (!point) {
+        return -1;
+    }
+    // The open painter need not end: the raster engine writes straight into the image, so the
+    // pixels are current, and hit-testing while a frame is drawn stays cheap.
+    const double x = std::floor(point->x);
+    const double y = std::floor(point->y);
+    if (x < 0.0 || y < 0.0 || x >= m_raster.width() || y >= m_raster.height()) {
+        return -1;
+    }
+    return ColourValue(m_raster.pixel(static_cast<int>(x), static_cast<int>(y)));
+}
+
+// ---- text ----
+
+void DrawingSurface::DrawTextAt(const QString& pText, double pX, double pY, double pDegrees,
+                                const QFont& pFont) {
+    const auto origin = ToDevice(pX, pY);
+    if (!origin || !Finite(pDegrees) || std::abs(origin->x) > kMaxTextOffset ||
+        std::abs(origin->y) > kMaxTextOffset || pText.isEmpty()) {
+        return;
+    }
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
+        return;
+    }
+    painter->save();
+    painter->setPen(ToQColor(m_foreColor));
+    painter->setFont(pFont);
+    painter->translate(origin->x, origin->y);
+    painter->rotate(-std::fmod(pDegrees, 360.0));
+    // The raster's resolution matches the widget's, so scaling by the ratio gives text of the
+    // size TextWidth and TextHeight measure.
+    painter->scale(m_dpr, m_dpr);
+    painter->drawText(QPointF(0.0, painter->fontMetrics().ascent()), pText);
+    painter->restore();
+    ScheduleUpdate();
+}
+
+void DrawingSurface::Print(const QString& pText) {
+    PrintRotated(pText, m_currentX, m_currentY, 0.0, font());
+}
+
+void DrawingSurface::PrintRotated(const QString& pText, double pX, double pY, double pDegrees,
+                                  const QFont& pFont) {
+    SyncRaster();
+    m_currentX = pX;
+    m_currentY = pY;
+    const double lineHeight = QFontMetricsF(pFont, this).height();
+    for (const QString& line : LinesOf(pText)) {
+        DrawTextAt(line, m_currentX, m_currentY, pDegrees, pFont);
+        // The next line starts at the left edge, one line lower on the screen whichever way
+        // the user scale runs.
+        const double next = ToUserY(ToPixelY(m_currentY) + lineHeight);
+        m_currentX = ScaleLeft();
+        if (Finite(next)) {
+            m_currentY = next;
+        }
+    }
+}
+
+double DrawingSurface::TextWidth(const QString& pText) const {
+    const QFontMetricsF metrics(font(), this);
+    double widest = 0.0;
+    for (const QString& line : LinesOf(pText)) {
+        widest = std::max(widest, metrics.horizontalAdvance(line));
+    }
+    return std::abs(ScaleX(widest, ScaleMode::Pixel, ScaleMode::User));
+}
+
+double DrawingSurface::TextHeight(const QString& pText) const {
+    const QFontMetricsF metrics(font(), this);
+    const double lines = static_cast<double>(LinesOf(pText).size());
+    return std::abs(ScaleY(lines * metrics.height(), ScaleMode::Pixel, ScaleMode::User));
+}
+
+} // namespace trv5::platform

@@ -1,0 +1,199 @@
+#pragma once
+
+#include <QFont>
+#include <QImage>
+#include <QPainter>
+#include <QSize>
+#include <QString>
+#include <QWidget>
+
+#include <cstdint>
+#include <optional>
+
+namespace trv5::platform {
+
+// The picture box the self-drawn charts draw on. Drawing goes into a retained raster in device
+// pixels that paintEvent shows, so the picture survives repaints and can be read back: Point()
+// returns exactly the colour a shape was drawn in, which the charts' tooltips use to hit-test.
+//
+// Positions are in the user scale (ScaleLeft/Top/Width/Height, a negative height making y grow
+// upward). In the pixel scale mode one unit is one widget pixel (a logical pixel on HiDPI
+// screens). Shapes are drawn without anti-aliasing, snapped to whole device pixels, so a
+// position always lands in the same pixel whether it is drawn or read.
+//
+// Drawing calls share one painter that stays open until something needs the finished raster
+// (paint, resize, Raster()); drawing many lines per frame therefore costs no painter set-up.
+//
+// Degenerate input never fails: a non-finite coordinate, a zero or non-finite scale extent or
+// an empty widget makes a drawing call draw nothing and a read-back return -1.
+class DrawingSurface : public QWidget {
+    Q_OBJECT
+
+public:
+    // The values are the host's classic codes for these settings.
+    enum class ScaleMode : int { User = 0, Pixel = 3 };
+    enum class FillStyle : int { Solid = 0, Transparent = 1 };
+    enum class DrawStyle : int {
+        Solid = 0,
+        Dash = 1,
+        Dot = 2,
+        DashDot = 3,
+        DashDotDot = 4,
+        Invisible = 5,
+    };
+
+    explicit DrawingSurface(QWidget* pParent = nullptr);
+    ~DrawingSurface() override;
+    DrawingSurface(const DrawingSurface&) = delete;
+    DrawingSurface& operator=(const DrawingSurface&) = delete;
+
+    // ---- coordinate system ----
+    // Setting any part of the user scale switches to the user mode; in the pixel mode the scale
+    // is (0, 0, width, height) in widget pixels and follows resizes, a user scale is kept.
+    void SetScale(double pLeft, double pTop, double pWidth, double pHeight);
+    double ScaleLeft() const;
+    double ScaleTop() const;
+    double ScaleWidth() const;
+    double ScaleHeight() const;
+    void SetScaleLeft(double pValue);
+    void SetScaleTop(double pValue);
+    void SetScaleWidth(double pValue);
+    void SetScaleHeight(double pValue);
+    ScaleMode GetScaleMode() const { return m_scaleMode; }
+    void SetScaleMode(ScaleMode pMode);
+
+    // Lengths between the user scale and widget pixels, signed (a negative scale height gives
+    // negative vertical lengths). NaN when the scale cannot map (zero extent, empty widget).
+    double ScaleX(double pWidth, ScaleMode pFrom, ScaleMode pTo) const;
+    double ScaleY(double pHeight, ScaleMode pFrom, ScaleMode pTo) const;
+    // Positions between the user scale and widget pixels (mouse coordinates); NaN likewise.
+    double ToPixelX(double pUserX) const;
+    double ToPixelY(double pUserY) const;
+    double ToUserX(double pPixelX) const;
+    double ToUserY(double pPixelY) const;
+
+    double CurrentX() const { return m_currentX; }
+    double CurrentY() const { return m_currentY; }
+    void SetCurrentX(double pValue) { m_currentX = pValue; }
+    void SetCurrentY(double pValue) { m_currentY = pValue; }
+
+    // ---- colours (0x00BBGGRR or a system colour code) and styles ----
+    std::int32_t ForeColor() const { return m_foreColor; }
+    void SetForeColor(std::int32_t pColour);
+    std::int32_t BackColor() const { return m_backColor; }
+    // Takes effect at the next Cls (and when the raster is reallocated).
+    void SetBackColor(std::int32_t pColour) { m_backColor = pColour; }
+    std::int32_t FillColor() const { return m_fillColor; }
+    void SetFillColor(std::int32_t pColour);
+    FillStyle GetFillStyle() const { return m_fillStyle; }
+    void SetFillStyle(FillStyle pStyle);
+    DrawStyle GetDrawStyle() const { return m_drawStyle; }
+    void SetDrawStyle(DrawStyle pStyle);
+    // Line width in widget pixels; values below 1 count as 1.
+    int DrawWidth() const { return m_drawWidth; }
+    void SetDrawWidth(int pWidth);
+
+    // ---- drawing ----
+    // Clears the picture to BackColor and moves the current position to (0, 0).
+    void Cls();
+    // A line in ForeColor, both end points included; the current position becomes (x2, y2).
+    void Line(double pX1, double pY1, double pX2, double pY2);
+    // A line from the current position.
+    void LineTo(double pX, double pY);
+    // The outline of the box with corners (x1, y1) and (x2, y2), in ForeColor and DrawStyle.
+    void Box(double pX1, double pY1, double pX2, double pY2);
+    // The box filled with one colour, covering the pixels between the two corners (at least one
+    // pixel in each direction, so a box of zero height still shows as a line).
+    void FilledBox(double pX1, double pY1, double pX2, double pY2, std::int32_t pColour);
+    // A circle with its radius in horizontal user units, outlined in ForeColor and filled with
+    // FillColor when FillStyle is solid. It stays round in pixels whatever the two scales.
+    void Circle(double pCenterX, double pCenterY, double pRadius);
+    // One point of DrawWidth pixels; the current position becomes (x, y).
+    void PSet(double pX, double pY, std::int32_t pColour);
+    // The colour drawn at a user position as 0x00BBGGRR, or -1 outside the picture.
+    std::int32_t Point(double pX, double pY) const;
+
+    // ---- text ----
+    // Writes the text in ForeColor with its top left corner at the current position, then moves
+    // to the start of the next line (ScaleLeft, one line lower), as a picture box does.
+    void Print(const QString& pText);
+    // Writes the text turned counter-clockwise by the angle, rotating about the top left corner
+    // of the text at (x, y) (that is where the text starts), in the given font. The current
+    // position becomes (x, y) and then advances like Print.
+    void PrintRotated(const QString& pText, double pX, double pY, double pDegrees,
+                      const QFont& pFont);
+    // Extents of the text in the widget's font, in user units (magnitudes; NaN when the scale
+    // cannot map). Several lines measure as the widest line and all lines' height.
+    double TextWidth(const QString& pText) const;
+    double TextHeight(const QString& pText) const;
+
+    // ---- tool tip ----
+    void SetToolTipText(const QString& pText) { setToolTip(pText); }
+    QString ToolTipText() const { return toolTip(); }
+
+    // The finished picture, device pixels with the device pixel ratio set.
+    const QImage& Raster() const;
+    double DevicePixelRatio() const;
+    // Lets tests exercise HiDPI rasters on any screen; 0 returns to the screen's ratio.
+    void SetDevicePixelRatioForTesting(double pRatio);
+
+protected:
+    void paintEvent(QPaintEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
+
+private:
+    struct DevicePoint {
+        double x;
+        double y;
+    };
+
+    double EffectiveRatio() const;
+    // A hidden widget gets no resize events, so the raster follows the widget's size and ratio
+    // lazily, before every use; that is why the raster state is mutable.
+    void SyncRaster() const;
+    void Reallocate(bool pKeepPicture) const;
+    // Leaving the pixel mode starts the user scale from the pixel scale in force.
+    void EnterUserMode();
+    bool CanMap() const;
+    // User position to device pixels, nullopt when it cannot be mapped.
+    std::optional<DevicePoint> ToDevice(double pX, double pY) const;
+    int PenWidthInDevicePixels() const;
+    // The shared painter, opened on first use; nullptr when there is no raster.
+    QPainter* Painter();
+    void EndPainting() const;
+    void ApplyPen(QPainter& pPainter);
+    void ScheduleUpdate();
+    // A stroke between two pixel cells (device coordinates of their top left corners) that
+    // covers both cells with the pen width.
+    void StrokeCells(double pX1, double pY1, double pX2, double pY2);
+    void FillCells(double pX, double pY, const QColor& pColour);
+    void DrawTextAt(const QString& pText, double pX, double pY, double pDegrees,
+                    const QFont& pFont);
+
+    // The raster is declared before the painter so that the painter ends before it goes.
+    mutable QImage m_raster;
+    mutable std::optional<QPainter> m_painter;
+    mutable QSize m_rasterLayout; // the widget size the raster was made for
+    mutable double m_dpr = 1.0;
+    mutable bool m_penDirty = true;
+    bool m_updatePending = false;
+    double m_dprOverride = 0.0;
+
+    ScaleMode m_scaleMode = ScaleMode::Pixel;
+    // The user scale; unused in the pixel mode.
+    double m_scaleLeft = 0.0;
+    double m_scaleTop = 0.0;
+    double m_scaleWidth = 1.0;
+    double m_scaleHeight = 1.0;
+    double m_currentX = 0.0;
+    double m_currentY = 0.0;
+
+    std::int32_t m_foreColor = 0x000000;
+    std::int32_t m_backColor = 0xFFFFFF;
+    std::int32_t m_fillColor = 0x000000;
+    FillStyle m_fillStyle = FillStyle::Transparent;
+    DrawStyle m_drawStyle = DrawStyle::Solid;
+    int m_drawWidth = 1;
+};
+
+} // namespace trv5::platform
