@@ -15,27 +15,21 @@ namespace trv5::numbertext {
 
 namespace {
 
-// 10^0 .. 10^17.
-constexpr auto kPow10 = [] {
-    std::array<std::uint64_t, 18> table{};
+// The first N powers of a base, as a table built at compile time.
+template <std::size_t N> constexpr std::array<std::uint64_t, N> PowerTable(std::uint64_t pBase) {
+    std::array<std::uint64_t, N> table{};
     std::uint64_t power = 1;
     for (auto& value : table) {
         value = power;
-        power *= 10;
+        power *= pBase;
     }
     return table;
-}();
+}
 
+// 10^0 .. 10^17.
+constexpr auto kPow10 = PowerTable<18>(10);
 // 5^0 .. 5^27, the powers that fit in 64 bits.
-constexpr auto kPow5 = [] {
-    std::array<std::uint64_t, 28> table{};
-    std::uint64_t power = 1;
-    for (auto& value : table) {
-        value = power;
-        power *= 5;
-    }
-    return table;
-}();
+constexpr auto kPow5 = PowerTable<28>(5);
 
 constexpr bool IsDigit(char pChar) noexcept {
     return pChar >= '0' && pChar <= '9';
