@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config
-    qt6-base-dev libgl-dev
+    qt6-base-dev libgl-dev qt6-tools-dev
     libpugixml-dev libqcustomplot-dev
     libgtest-dev libbenchmark-dev
     clang-format
