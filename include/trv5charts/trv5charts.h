@@ -11,6 +11,7 @@
 #include <trv5charts/isimpleserializable.h>
 #include <trv5charts/localizationlib.h>
 #include <trv5charts/mathhelper.h>
+#include <trv5charts/numberformat.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/series.h>
 #include <trv5charts/stringhelpers.h>
