@@ -556,6 +556,41 @@ void DrawingSurface::FilledBox(double pX1, double pY1, double pX2, double pY2,
     ScheduleUpdate();
 }
 
+void DrawingSurface::RoundRect(double pX1, double pY1, double pX2, double pY2, double pCornerWidth,
+                               double pCornerHeight) {
+    m_currentX = pX2;
+    m_currentY = pY2;
+    SyncRaster();
+    const auto a = ToDevice(pX1, pY1);
+    const auto b = ToDevice(pX2, pY2);
+    if (!a || !b || m_drawStyle == DrawStyle::Invisible || !Finite(pCornerWidth) ||
+        !Finite(pCornerHeight)) {
+        return;
+    }
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
+        return;
+    }
+    const int w = PenWidthInDevicePixels();
+    const double limit = std::max(m_raster.width(), m_raster.height()) + 4.0 * w;
+    const int left = PixelEdge(std::min(a->x, b->x), limit);
+    const int right = std::max(PixelEdge(std::max(a->x, b->x), limit), left + 1);
+    const int top = PixelEdge(std::min(a->y, b->y), limit);
+    const int bottom = std::max(PixelEdge(std::max(a->y, b->y), limit), top + 1);
+    // The pen runs along the inside of the outer pixels, as in Box.
+    const double half = w / 2.0;
+    const QRectF path(left + half, top + half, std::max(0, right - left - w),
+                      std::max(0, bottom - top - w));
+    const double rx = std::min(std::abs(pCornerWidth * (m_raster.width() / ScaleWidth())) / 2.0,
+                               path.width() / 2.0);
+    const double ry = std::min(std::abs(pCornerHeight * (m_raster.height() / ScaleHeight())) / 2.0,
+                               path.height() / 2.0);
+    ApplyPen(*painter);
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRoundedRect(path, Finite(rx) ? rx : 0.0, Finite(ry) ? ry : 0.0);
+    ScheduleUpdate();
+}
+
 void DrawingSurface::Circle(double pCenterX, double pCenterY, double pRadius) {
     SyncRaster();
     const auto centre = ToDevice(pCenterX, pCenterY);

@@ -105,6 +105,12 @@ public:
     // The box filled with one colour, covering the pixels between the two corners (at least one
     // pixel in each direction, so a box of zero height still shows as a line).
     void FilledBox(double pX1, double pY1, double pX2, double pY2, std::int32_t pColour);
+    // The outline of a rectangle with rounded corners in ForeColor and DrawStyle, covering the
+    // pixels from (x1, y1) up to but not including (x2, y2), as a device-context RoundRect does.
+    // The corner ellipse is pCornerWidth horizontal by pCornerHeight vertical user units (pixels
+    // in the pixel mode), limited to the rectangle; the inside is left as it is.
+    void RoundRect(double pX1, double pY1, double pX2, double pY2, double pCornerWidth,
+                   double pCornerHeight);
     // A circle with its radius in horizontal user units, outlined in ForeColor and filled with
     // FillColor when FillStyle is solid. It stays round in pixels whatever the two scales.
     void Circle(double pCenterX, double pCenterY, double pRadius);
