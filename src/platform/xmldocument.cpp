@@ -114,6 +114,16 @@ void XmlNode::SetAttributeValue(int pIndex, std::string_view pValue) {
     attribute.set_value(pValue.data(), pValue.size());
 }
 
+std::optional<std::string_view> XmlNode::FindAttribute(std::string_view pName) const {
+    for (pugi::xml_attribute attribute = m_node.first_attribute(); attribute;
+         attribute = attribute.next_attribute()) {
+        if (pName == attribute.name()) {
+            return std::string_view(attribute.value());
+        }
+    }
+    return std::nullopt;
+}
+
 std::string XmlNode::Text() const {
     // The common case, one run of character data, is returned without walking the subtree.
     const pugi::xml_node first = m_node.first_child();

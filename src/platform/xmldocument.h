@@ -4,6 +4,7 @@
 
 #include <pugixml.hpp>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,9 @@ public:
     // Throws ChartError 9 when the element has fewer attributes.
     std::string_view AttributeValue(int pIndex) const;
     void SetAttributeValue(int pIndex, std::string_view pValue);
+    // The value of the attribute with this name, for the few formats that look attributes up by
+    // name; nullopt when the element has no such attribute.
+    std::optional<std::string_view> FindAttribute(std::string_view pName) const;
 
     // All character data below the element, in document order.
     std::string Text() const;
