@@ -264,14 +264,28 @@ bool DrawingSurface::CanMap() const {
            Finite(ScaleLeft()) && Finite(ScaleTop());
 }
 
-std::optional<DrawingSurface::DevicePoint> DrawingSurface::ToDevice(double pX, double pY) const {
+std::optional<DrawingSurface::DeviceMapping> DrawingSurface::Mapping() const {
+    SyncRaster();
+    return MappingInForce();
+}
+
+std::optional<DrawingSurface::DeviceMapping> DrawingSurface::MappingInForce() const {
     if (!CanMap()) {
         return std::nullopt;
     }
     // Through the raster's own size rather than the ratio, so that the whole scale lands exactly
     // on the whole raster even when size x ratio is not a whole number.
-    const double x = (pX - ScaleLeft()) * (m_raster.width() / ScaleWidth());
-    const double y = (pY - ScaleTop()) * (m_raster.height() / ScaleHeight());
+    return DeviceMapping{ScaleLeft(), ScaleTop(), m_raster.width() / ScaleWidth(),
+                         m_raster.height() / ScaleHeight()};
+}
+
+std::optional<DrawingSurface::DevicePoint> DrawingSurface::ToDevice(double pX, double pY) const {
+    const std::optional<DeviceMapping> mapping = MappingInForce();
+    if (!mapping) {
+        return std::nullopt;
+    }
+    const double x = mapping->X(pX);
+    const double y = mapping->Y(pY);
     if (!Finite(x) || !Finite(y)) {
         return std::nullopt;
     }
@@ -461,12 +475,22 @@ void DrawingSurface::StrokeCells(double pX1, double pY1, double pX2, double pY2)
     if (painter == nullptr) {
         return;
     }
+    ApplyPen(*painter);
+    if (StrokeCellsWith(*painter, pX1, pY1, pX2, pY2)) {
+        ScheduleUpdate();
+    }
+}
+
+bool DrawingSurface::StrokeCellsWith(QPainter& pPainter, double pX1, double pY1, double pX2,
+                                     double pY2) {
+    const int w = PenWidthInDevicePixels();
     if (pX1 == pX2 && pY1 == pY2) {
         // A stroke of no length still marks its cell, as a picture box does.
-        FillCells(pX1, pY1, ToQColor(m_foreColor));
-        return;
+        const double limit = std::max(m_raster.width(), m_raster.height()) + 2.0 * w;
+        pPainter.fillRect(QRect(PixelEdge(pX1, limit), PixelEdge(pY1, limit), w, w),
+                          ToQColor(m_foreColor));
+        return true;
     }
-    const int w = PenWidthInDevicePixels();
     const double half = w / 2.0;
     double x1 = pX1 + half;
     double y1 = pY1 + half;
@@ -476,11 +500,30 @@ void DrawingSurface::StrokeCells(double pX1, double pY1, double pX2, double pY2)
     const double margin = 2.0 * w + 2.0;
     if (!ClipSegment(x1, y1, x2, y2, -margin, -margin, m_raster.width() + margin,
                      m_raster.height() + margin)) {
+        return false;
+    }
+    pPainter.drawLine(QLineF(x1, y1, x2, y2));
+    return true;
+}
+
+void DrawingSurface::CellLines(std::span<const CellLine> pLines) {
+    if (pLines.empty() || m_drawStyle == DrawStyle::Invisible) {
+        return;
+    }
+    QPainter* painter = Painter();
+    if (painter == nullptr) {
         return;
     }
     ApplyPen(*painter);
-    painter->drawLine(QLineF(x1, y1, x2, y2));
-    ScheduleUpdate();
+    bool drawn = false;
+    for (const CellLine& line : pLines) {
+        if (Finite(line.x1) && Finite(line.y1) && Finite(line.x2) && Finite(line.y2)) {
+            drawn = StrokeCellsWith(*painter, line.x1, line.y1, line.x2, line.y2) || drawn;
+        }
+    }
+    if (drawn) {
+        ScheduleUpdate();
+    }
 }
 
 void DrawingSurface::Cls() {

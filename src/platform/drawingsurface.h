@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 namespace trv5::platform {
 
@@ -72,6 +73,20 @@ public:
     double ToUserX(double pPixelX) const;
     double ToUserY(double pPixelY) const;
 
+    // The user-to-device mapping every drawing call uses: a position's device pixel cell is
+    // (floor(X(x)), floor(Y(y))). Callers that reduce many positions to pixel cells themselves
+    // use it so that their cells are exactly the ones the drawing calls would choose.
+    struct DeviceMapping {
+        double left;
+        double top;
+        double xFactor;
+        double yFactor;
+        double X(double pUserX) const { return (pUserX - left) * xFactor; }
+        double Y(double pUserY) const { return (pUserY - top) * yFactor; }
+    };
+    // nullopt when the scale cannot map (zero or non-finite extent, no raster).
+    std::optional<DeviceMapping> Mapping() const;
+
     double CurrentX() const { return m_currentX; }
     double CurrentY() const { return m_currentY; }
     void SetCurrentX(double pValue) { m_currentX = pValue; }
@@ -100,6 +115,18 @@ public:
     void Line(double pX1, double pY1, double pX2, double pY2);
     // A line from the current position.
     void LineTo(double pX, double pY);
+    // A line between two device pixel cells (whole device coordinates, as Mapping() and floor
+    // give them), in ForeColor and DrawStyle.
+    struct CellLine {
+        double x1;
+        double y1;
+        double x2;
+        double y2;
+    };
+    // Draws each line exactly as Line() draws a line between positions in those cells, with one
+    // painter set-up for the whole batch: for charts that reduce a million points to a few
+    // thousand lines per frame. The current position is left alone.
+    void CellLines(std::span<const CellLine> pLines);
     // The outline of the box with corners (x1, y1) and (x2, y2), in ForeColor and DrawStyle.
     void Box(double pX1, double pY1, double pX2, double pY2);
     // The box filled with one colour, covering the pixels between the two corners (at least one
@@ -161,6 +188,8 @@ private:
     // Leaving the pixel mode starts the user scale from the pixel scale in force.
     void EnterUserMode();
     bool CanMap() const;
+    // Mapping() for the raster as it is, without following the widget first.
+    std::optional<DeviceMapping> MappingInForce() const;
     // User position to device pixels, nullopt when it cannot be mapped.
     std::optional<DevicePoint> ToDevice(double pX, double pY) const;
     int PenWidthInDevicePixels() const;
@@ -172,6 +201,8 @@ private:
     // A stroke between two pixel cells (device coordinates of their top left corners) that
     // covers both cells with the pen width.
     void StrokeCells(double pX1, double pY1, double pX2, double pY2);
+    // The stroke on an open painter with the pen applied; false when nothing was drawn.
+    bool StrokeCellsWith(QPainter& pPainter, double pX1, double pY1, double pX2, double pY2);
     void FillCells(double pX, double pY, const QColor& pColour);
     void DrawTextAt(const QString& pText, double pX, double pY, double pDegrees,
                     const QFont& pFont);
