@@ -1,0 +1,208 @@
+// The bar chart's saved state (the SimpleBarChart element) and its values as clipboard text.
+#include <trv5charts/barchart.h>
+
+#include "foundation/serialization.h"
+#include "platform/xmldocument.h"
+#include "selfdrawn/barchart_support.h"
+
+#include <trv5charts/charterror.h>
+#include <trv5charts/localizationlib.h>
+#include <trv5charts/stringhelpers.h>
+
+#include <string_view>
+
+namespace trv5 {
+
+namespace {
+
+constexpr char kStatePrefix[] = "<SimpleBarChart ";
+
+// The start of the element and of each data point; the closing pieces follow them.
+constexpr std::string_view kDataPointOpen = "<datapoint value='";
+constexpr std::string_view kDataPointClose = "'/>";
+
+// Widget names are usually plain identifiers, but a name is free text in Qt; escaping keeps the
+// fragment well-formed whatever it holds.
+void AppendEscaped(std::string& pOut, std::string_view pText) {
+    for (const char c : pText) {
+        switch (c) {
+        case '&':
+            pOut += "&amp;";
+            break;
+        case '<':
+            pOut += "&lt;";
+            break;
+        case '>':
+            pOut += "&gt;";
+            break;
+        case '\'':
+            pOut += "&apos;";
+            break;
+        case '"':
+            pOut += "&quot;";
+            break;
+        default:
+            pOut.push_back(c);
+        }
+    }
+}
+
+std::string_view RequiredAttribute(const platform::XmlNode& pNode, std::string_view pName) {
+    const auto value = pNode.FindAttribute(pName);
+    if (!value) {
+        throw ChartError(ChartError::ObjectNotSet);
+    }
+    return *value;
+}
+
+// Without leading and trailing blanks (blanks only, as hosts trim names).
+QString TrimBlanks(const QString& pText) {
+    qsizetype begin = 0;
+    qsizetype end = pText.size();
+    while (begin < end && pText.at(begin) == QLatin1Char(' ')) {
+        ++begin;
+    }
+    while (end > begin && pText.at(end - 1) == QLatin1Char(' ')) {
+        --end;
+    }
+    return pText.mid(begin, end - begin);
+}
+
+} // namespace
+
+bool BarChart::AppendValue(std::string& pOut, std::int64_t pIndex) const {
+    if (m_valuesType != kDoubleValues && m_valuesType != kLongValues) {
+        return false;
+    }
+    const double value = BarValue(pIndex);
+    if (m_valuesType == kDoubleValues) {
+        serialization::AppendNumber(pOut, value);
+    } else {
+        serialization::AppendWhole(pOut, static_cast<std::int64_t>(value));
+    }
+    return true;
+}
+
+QString BarChart::DataText() const {
+    std::string body;
+    for (std::int32_t i = 0; i < m_columns && AppendValue(body, i); ++i) {
+        body.push_back('\t');
+    }
+    if (body.empty()) {
+        return {};
+    }
+    while (!body.empty() && body.back() == '\t') {
+        body.pop_back();
+    }
+    const QString header =
+        StringHelpers::RemoveTrailing(TrimBlanks(m_dataPointName), QStringLiteral(":"));
+    return header + QStringLiteral("\r\n") + serialization::FromUtf8(body);
+}
+
+// ---- ISimpleSerializable ----
+
+QString BarChart::ToString() {
+    return serialization::WriteTrapped([this](std::string& pOut) { WriteState(pOut); });
+}
+
+void BarChart::WriteState(std::string& pOut) const {
+    pOut += "<SimpleBarChart name='";
+    AppendEscaped(pOut, serialization::ToUtf8(objectName()));
+    pOut += "' type='";
+    serialization::AppendWhole(pOut, m_chartType);
+    pOut += "' valuestype='";
+    serialization::AppendWhole(pOut, m_valuesType);
+    // The margin and the maximum are written in the user's locale, as hosts have always stored
+    // them; every other number is locale-independent.
+    pOut += "' hmargins='";
+    pOut += serialization::ToUtf8(LocalizationLib::SingleToUserText(m_hMarginPercent));
+    pOut += "' corner='";
+    serialization::AppendWhole(pOut, m_roundedCorner);
+    pOut += "'><datapoints Columns='";
+    serialization::AppendWhole(pOut, m_columns);
+    pOut += "' MaxValue='";
+    pOut += serialization::ToUtf8(LocalizationLib::SingleToUserText(m_maxValue));
+    pOut += "'>";
+    if (m_hasData == 1) {
+        for (std::int32_t i = 0; i < m_columns; ++i) {
+            const std::size_t start = pOut.size();
+            pOut += kDataPointOpen;
+            if (!AppendValue(pOut, i)) {
+                pOut.resize(start);
+                break;
+            }
+            pOut += kDataPointClose;
+        }
+    }
+    pOut += "</datapoints></SimpleBarChart>";
+}
+
+void BarChart::FromString(const QString& pText) {
+    platform::XmlDocument document;
+    if (!document.LoadXml(pText)) {
+        return;
+    }
+    if (!serialization::RunTrapped([&] { ReadState(document); })) {
+        // What was read before the damage stays; the picture does not.
+        Clear();
+    }
+}
+
+void BarChart::ReadState(const platform::XmlDocument& pDocument) {
+    const platform::XmlNode chart = pDocument.SelectSingleNode("//SimpleBarChart");
+    if (chart.IsNull()) {
+        return;
+    }
+    if (const auto type = chart.FindAttribute("type")) {
+        m_chartType = static_cast<SimpleBartChartType>(serialization::ReadWhole(*type));
+    }
+    if (const auto valuesType = chart.FindAttribute("valuestype")) {
+        m_valuesType = serialization::ReadWhole(*valuesType);
+    }
+    if (const auto margin = chart.FindAttribute("hmargins")) {
+        SetHMarginPercent(barchart::ToSingle(serialization::ReadNumber(*margin)));
+    }
+    if (const auto corner = chart.FindAttribute("corner")) {
+        m_roundedCorner = serialization::ReadWhole(*corner);
+    }
+
+    const platform::XmlNode points = pDocument.SelectSingleNode("//SimpleBarChart/datapoints");
+    if (!points.IsNull()) {
+        // The margin just read is not passed on: Init overwrites it with 0 whenever the maximum
+        // is not 0, and saved charts have always come back that way.
+        const std::int32_t columns = serialization::ReadWhole(RequiredAttribute(points, "Columns"));
+        const std::int32_t maximum =
+            serialization::ReadWhole(RequiredAttribute(points, "MaxValue"));
+        Init(columns, static_cast<float>(maximum), m_chartType, m_valuesType, 0.0F);
+    }
+
+    const std::vector<platform::XmlNode> values =
+        pDocument.SelectNodes("//SimpleBarChart/datapoints/datapoint");
+    if (values.empty()) {
+        return;
+    }
+    // HasData stays as it was: restored bars are drawn, but they are written out and copied
+    // only after the host hands values in again.
+    if (m_chartType == ctSingleHorizontal) {
+        SetLongHValue(serialization::ReadWhole(values.front().AttributeValue(0)));
+    } else if (m_chartType == ctMultiVerticalBars) {
+        if (m_valuesType == kDoubleValues) {
+            m_doubleData.assign(values.size(), 0.0);
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                m_doubleData[i] = serialization::ReadNumber(values[i].AttributeValue(0));
+            }
+        } else if (m_valuesType == kLongValues) {
+            m_longData.assign(values.size(), 0);
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                m_longData[i] = serialization::ReadWhole(values[i].AttributeValue(0));
+            }
+        }
+        Redraw();
+    }
+}
+
+bool BarChart::IsTypeOf(const QString& pText) {
+    return serialization::HasPrefix(pText, kStatePrefix);
+}
+
+} // namespace trv5
