@@ -14,9 +14,20 @@
 #include <string>
 #include <vector>
 
+class QAction;
+class QContextMenuEvent;
+class QFrame;
 class QLabel;
+class QResizeEvent;
 
 namespace trv5 {
+
+class IPrintDialog;
+
+namespace platform {
+class ChartMenu;
+class DrawingSurface;
+} // namespace platform
 
 // The run progress chart: up to 21 line series plotted by generation (fed one point at a time
 // while a run goes on) or by record (handed over in bulk afterwards), against a main value axis
@@ -24,6 +35,12 @@ namespace trv5 {
 //
 // Axis and Series objects are shared with the host, which may keep changing them; call Refresh
 // after changing data.
+//
+// Children, by object name: the drawing surface "pic" (the plot area), the context menu "ctxMain"
+// with the actions "mnuMain" (copy chart, copy data, separator, print; in that order),
+// "sepShowLine" and "mnuShowLine", and the labels "lblLegend" (one per series), "lblOrigin" and
+// "lblScale" (bottom and top value of the main and the secondary axis, in that order),
+// "lblLineLegend", "lblTick" (value and point numbers) and "lblAxisTitle".
 class RTChart : public QWidget, public ISimpleSerializable {
     Q_OBJECT
     Q_PROPERTY(bool ShowRecordsOnToolTip READ ShowRecordsOnToolTip WRITE SetShowRecordsOnToolTip)
@@ -113,7 +130,7 @@ public:
     void SetPoint(std::int32_t pIndex, PointType pPoint);
     void SetDataType(std::int32_t pIndex, XSeriesDataType pDataType);
 
-    // Schedules a repaint with the current data.
+    // Redraws the chart now: lays it out for its size and draws the series into the plot.
     void Refresh();
     // Marks the data as unchanged (nothing is drawn) and repaints.
     void Clear();
@@ -130,16 +147,16 @@ public:
     void UpdateHorizontalLine(double pValue);
     void HideHorizontalLine();
     void StopAddingHorizontalLine();
-    // The menu entry's action: toggles the check mark and with it the line.
+    // The menu entry's action: toggles the check mark and with it the line, then redraws.
     void ToggleHorizontalLine();
     bool LineShown() const { return m_lineShown; }
     double LineValue() const { return m_lineValue; }
     std::int32_t LineColour() const { return m_lineColour; }
     QString LineLegendText() const;
     bool IsLineLegendVisible() const;
-    bool IsLineMenuVisible() const { return m_lineMenuVisible; }
-    bool IsLineMenuChecked() const { return m_lineMenuChecked; }
-    const QString& LineMenuCaption() const { return m_lineMenuCaption; }
+    bool IsLineMenuVisible() const;
+    bool IsLineMenuChecked() const;
+    QString LineMenuCaption() const;
 
     // Legend captions in label order, visible labels only.
     QStringList LegendCaptions() const;
@@ -159,7 +176,28 @@ public:
     // locale. Empty without series.
     QString GetChartDataAsString();
 
+    // The chart's picture to the clipboard (the menu closed first), as the menu's copy does.
+    void EditCopy();
+    // The dialog the menu's print command shows; null returns to the Qt print dialog.
+    void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
+
+protected:
+    void resizeEvent(QResizeEvent* pEvent) override;
+    // A right click or the keyboard's menu key: the context menu.
+    void contextMenuEvent(QContextMenuEvent* pEvent) override;
+    // Mouse moves over the plot set its tooltip.
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+
 private:
+    // The paint procedure: layout, then the plot.
+    void DrawChart();
+    void ApplyLayout();
+    void DrawGrid();
+    void OnMenuCommand(int pIndex);
+    void ApplyLineCheck();
+    void UpdateToolTip(double pX, double pY);
+    QString PointToolTip(std::int32_t pSeriesIndex, double pUserX) const;
+    std::int32_t DrawnSeriesCount() const;
     Series& SlotAt(std::int32_t pIndex) const;
     bool NeedsStandardizing(std::span<const double> pValues) const;
     std::vector<double> StandardizeForChart(std::span<const double> pValues);
@@ -186,14 +224,22 @@ private:
     std::int32_t m_lineColour;
     bool m_singleSeries = false;
 
-    bool m_lineMenuVisible = false;
-    bool m_lineMenuChecked = false;
-    QString m_lineMenuCaption;
-
     std::int32_t m_backColor = 0xFFFFFF;
     QString m_tag;
     QString m_dataField;
     QString m_dataMember;
+
+    platform::DrawingSurface* pic = nullptr;
+    QFrame* fraPlot = nullptr;
+    platform::ChartMenu* ctxMain = nullptr;
+    QAction* mnuShowLine = nullptr;
+    QAction* sepShowLine = nullptr;
+    // Grid lines of the last layout: main axis values and point indexes.
+    std::vector<double> m_gridY;
+    std::vector<double> m_gridX;
+    // Tick labels of the main axis, the secondary axis and the point numbers.
+    std::array<std::vector<QLabel*>, 3> m_tickLabels;
+    std::array<QLabel*, 2> lblAxisTitle{};
 
     std::vector<QLabel*> lblLegend;
     std::array<QLabel*, 2> lblOrigin{};

@@ -2,7 +2,9 @@
 
 #include "foundation/numbertext.h"
 #include "foundation/serialization.h"
+#include "platform/chartmenu.h"
 #include "platform/colour.h"
+#include "platform/drawingsurface.h"
 #include "platform/xmldocument.h"
 
 #include <trv5charts/axisrange.h>
@@ -12,6 +14,8 @@
 #include <trv5charts/localizationlib.h>
 #include <trv5charts/mathhelper.h>
 
+#include <QAction>
+#include <QFrame>
 #include <QLabel>
 
 #include <algorithm>
@@ -37,19 +41,50 @@ void AppendUserNumber(std::string& pOut, double pValue, char pDecimalPoint) {
 } // namespace
 
 RTChart::RTChart(QWidget* pParent)
-    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)),
-      m_lineMenuChecked(true), m_lineMenuCaption(QStringLiteral("Show Line")) {
+    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)) {
+    // The frame goes first so that the plot lies above it.
+    fraPlot = new QFrame(this);
+    fraPlot->setObjectName(QStringLiteral("fraPlot"));
+    fraPlot->setFrameStyle(QFrame::Box | QFrame::Plain);
+    pic = new platform::DrawingSurface(this);
+    pic->setObjectName(QStringLiteral("pic"));
+    pic->setMouseTracking(true);
+    pic->installEventFilter(this);
+
+    const auto makeLabel = [this](const QString& pName) {
+        auto* label = new QLabel(this);
+        label->setObjectName(pName);
+        return label;
+    };
     for (QLabel*& label : lblOrigin) {
-        label = new QLabel(this);
+        label = makeLabel(QStringLiteral("lblOrigin"));
     }
     for (QLabel*& label : lblScale) {
-        label = new QLabel(this);
+        label = makeLabel(QStringLiteral("lblScale"));
     }
-    lblLineLegend = new QLabel(this);
+    for (QLabel*& label : lblAxisTitle) {
+        label = makeLabel(QStringLiteral("lblAxisTitle"));
+    }
+    lblLineLegend = makeLabel(QStringLiteral("lblLineLegend"));
     lblLineLegend->hide();
     // One legend label exists from the start; further ones are added as series arrive.
-    lblLegend.push_back(new QLabel(this));
+    lblLegend.push_back(makeLabel(QStringLiteral("lblLegend")));
     lblLegend.front()->hide();
+
+    ctxMain = new platform::ChartMenu(this, QStringLiteral("ctxMain"));
+    ctxMain->AddItem(QStringLiteral("Copy &Chart"), QStringLiteral("mnuMain"));
+    ctxMain->AddItem(QStringLiteral("Copy Chart &Data"), QStringLiteral("mnuMain"));
+    ctxMain->AddItem(QStringLiteral("-"), QStringLiteral("mnuMain"));
+    ctxMain->AddItem(QStringLiteral("Print"), QStringLiteral("mnuMain"));
+    sepShowLine = ctxMain->AddItem(QStringLiteral("-"), QStringLiteral("sepShowLine"));
+    mnuShowLine = ctxMain->AddItem(QStringLiteral("Show Line"), QStringLiteral("mnuShowLine"));
+    sepShowLine->setVisible(false);
+    mnuShowLine->setVisible(false);
+    mnuShowLine->setCheckable(true);
+    // Checked from the start, so that a line the host adds is shown unless the user says no.
+    mnuShowLine->setChecked(true);
+    connect(ctxMain, &platform::ChartMenu::Triggered, this, &RTChart::OnMenuCommand);
+
     SetBackColor(m_backColor);
 }
 
@@ -65,6 +100,17 @@ void RTChart::ApplyBackColor(QWidget* pWidget) const {
 void RTChart::SetBackColor(std::int32_t pColour) {
     m_backColor = pColour;
     ApplyBackColor(this);
+    pic->SetBackColor(pColour);
+    ApplyBackColor(fraPlot);
+    for (const std::vector<QLabel*>& pool : m_tickLabels) {
+        for (QLabel* label : pool) {
+            ApplyBackColor(label);
+        }
+    }
+    for (QLabel* label : lblAxisTitle) {
+        ApplyBackColor(label);
+    }
+    ApplyBackColor(lblLineLegend);
     for (QLabel* label : lblOrigin) {
         ApplyBackColor(label);
     }
@@ -94,7 +140,9 @@ std::int32_t RTChart::AddSeries(std::shared_ptr<Series> pSeries, bool pDrawOnSec
     m_series[static_cast<std::size_t>(m_seriesCount)] = pSeries;
 
     if (static_cast<std::size_t>(m_seriesCount) > lblLegend.size() - 1) {
-        lblLegend.push_back(new QLabel(this));
+        auto* label = new QLabel(this);
+        label->setObjectName(QStringLiteral("lblLegend"));
+        lblLegend.push_back(label);
     }
     // The caption goes to the highest label, which after a Reset is not the new series' own
     // label; the legend is laid out from all visible labels, so the order stays right.
@@ -286,7 +334,7 @@ void RTChart::SetDataType(std::int32_t pIndex, XSeriesDataType pDataType) {
 }
 
 void RTChart::Refresh() {
-    update();
+    DrawChart();
 }
 
 void RTChart::Clear() {
@@ -310,15 +358,16 @@ void RTChart::SetLastGenerationForCopy(std::int32_t pLastGeneration) {
 
 void RTChart::AddHorizontalLine(double pValue, const QString& pLegendText,
                                 const QString& pMenuCaption) {
-    m_lineShown = m_lineMenuChecked;
+    m_lineShown = mnuShowLine->isChecked();
     m_lineValue = pValue;
     lblLineLegend->setVisible(m_lineShown);
     lblLineLegend->setText(pLegendText);
     QPalette palette = lblLineLegend->palette();
     palette.setColor(QPalette::WindowText, platform::ToQColor(m_lineColour));
     lblLineLegend->setPalette(palette);
-    m_lineMenuCaption = pMenuCaption;
-    m_lineMenuVisible = true;
+    mnuShowLine->setText(pMenuCaption);
+    sepShowLine->setVisible(true);
+    mnuShowLine->setVisible(true);
 }
 
 void RTChart::UpdateHorizontalLine(double pValue) {
@@ -331,14 +380,31 @@ void RTChart::HideHorizontalLine() {
 }
 
 void RTChart::StopAddingHorizontalLine() {
-    m_lineMenuVisible = false;
+    sepShowLine->setVisible(false);
+    mnuShowLine->setVisible(false);
 }
 
 void RTChart::ToggleHorizontalLine() {
-    m_lineMenuChecked = !m_lineMenuChecked;
-    m_lineShown = m_lineMenuChecked;
+    mnuShowLine->setChecked(!mnuShowLine->isChecked());
+    ApplyLineCheck();
+}
+
+void RTChart::ApplyLineCheck() {
+    m_lineShown = mnuShowLine->isChecked();
     lblLineLegend->setVisible(m_lineShown);
     Refresh();
+}
+
+bool RTChart::IsLineMenuVisible() const {
+    return mnuShowLine->isVisible();
+}
+
+bool RTChart::IsLineMenuChecked() const {
+    return mnuShowLine->isChecked();
+}
+
+QString RTChart::LineMenuCaption() const {
+    return mnuShowLine->text();
 }
 
 QString RTChart::LineLegendText() const {
