@@ -15,7 +15,9 @@
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -162,6 +164,34 @@ TEST(BarChartDrawing, TwentyOneColumnsTouchAndAHundredLoseTheirOutlines) {
     EXPECT_EQ(PixelAt(picture, 101, 99), kWhite);
     EXPECT_EQ(PixelAt(picture, 198, 0), kBar);
     EXPECT_EQ(PixelAt(picture, 199, 0), kBar);
+}
+
+TEST(BarChartDrawing, ManyColumnsOnFewPixelsMatchBarByBarDrawing) {
+    // 5,000 bars on 150 pixels, with values beyond both ends of the scale, a NaN and a pixel
+    // ratio that makes the device columns uneven.
+    Chart c(152, 82);
+    c.pic->SetDevicePixelRatioForTesting(1.5);
+    std::vector<double> values;
+    for (int i = 0; i < 5000; ++i) {
+        values.push_back(std::fmod(i * 7.31, 13.0) - 1.5);
+    }
+    values[2500] = std::numeric_limits<double>::quiet_NaN();
+    c.chart.Init(5000, 10.0F, trv5::ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
+    c.chart.SetDoubleData(values);
+    c.chart.Redraw();
+
+    DrawingSurface reference;
+    reference.resize(c.pic->size());
+    reference.SetDevicePixelRatioForTesting(1.5);
+    reference.SetBackColor(kWhite);
+    reference.Cls();
+    reference.SetScale(0.0, 10.0, 5000.0, -10.0);
+    for (int i = 0; i < 5000; ++i) {
+        reference.FilledBox(i, 0.0, i + 1.0, values[static_cast<std::size_t>(i)], kBar);
+    }
+    ASSERT_EQ(c.Picture().size(), reference.Raster().size());
+    EXPECT_EQ(c.Picture(), reference.Raster());
+    EXPECT_GT(CountNot(c.Picture(), kWhite), 1000);
 }
 
 TEST(BarChartDrawing, MissingValuesOrNoMaximumGiveABlankPicture) {

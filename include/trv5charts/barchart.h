@@ -175,6 +175,7 @@ private:
     void PlacePicture();
     void Draw();
     void DrawVerticalBars();
+    void DrawTouchingBars();
     void DrawHorizontalBar();
     void ClearPicture() noexcept;
     void OnMenu(int pIndex);

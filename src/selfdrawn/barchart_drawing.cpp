@@ -2,6 +2,7 @@
 #include <trv5charts/barchart.h>
 
 #include "platform/drawingsurface.h"
+#include "selfdrawn/barchart_runs.h"
 #include "selfdrawn/barchart_support.h"
 
 #include <trv5charts/charterror.h>
@@ -101,21 +102,43 @@ void BarChart::DrawVerticalBars() {
     if (m_valuesType != kDoubleValues && m_valuesType != kLongValues) {
         return;
     }
-    const bool outlined = m_columns < barchart::kNoOutlinesFrom;
+    if (m_columns >= barchart::kNoOutlinesFrom) {
+        DrawTouchingBars();
+        return;
+    }
     // A missing value ends the drawing with ChartError 9 before anything is read out of range.
     for (std::int32_t i = 0; i < m_columns; ++i) {
         const double right = x + barWidth;
         const double value = BarValue(i);
         m_pic->SetForeColor(m_barColor);
         m_pic->FilledBox(x, 0.0, right, value, m_barColor);
-        if (outlined) {
-            // Separates neighbouring bars; the picture's foreground stays the bar colour.
-            m_pic->SetForeColor(barchart::kButtonFace);
-            m_pic->Box(x, 0.0, right, value);
-            m_pic->SetForeColor(m_barColor);
-        }
+        // Separates neighbouring bars; the picture's foreground stays the bar colour.
+        m_pic->SetForeColor(barchart::kButtonFace);
+        m_pic->Box(x, 0.0, right, value);
+        m_pic->SetForeColor(m_barColor);
         x = right + gap;
     }
+}
+
+void BarChart::DrawTouchingBars() {
+    m_pic->SetForeColor(m_barColor);
+    const std::size_t available =
+        m_valuesType == kDoubleValues ? m_doubleData.size() : m_longData.size();
+    if (static_cast<std::size_t>(m_columns) > available) {
+        // Too few values: the picture ends up empty, so there is nothing to draw first.
+        throw ChartError(ChartError::IndexOutOfRange);
+    }
+    const auto mapping = m_pic->Mapping();
+    if (!mapping) {
+        return;
+    }
+    // Without outlines every bar is a plain box in one colour, so the bars that share pixel
+    // columns can be filled together.
+    barchart::BarRuns runs(*m_pic, *mapping, m_barColor);
+    for (std::int32_t i = 0; i < m_columns; ++i) {
+        runs.Add(i, i + 1.0, BarValue(i));
+    }
+    runs.Flush();
 }
 
 void BarChart::DrawHorizontalBar() {

@@ -9,6 +9,7 @@
 #include <trv5charts/localizationlib.h>
 #include <trv5charts/stringhelpers.h>
 
+#include <algorithm>
 #include <string_view>
 
 namespace trv5 {
@@ -20,6 +21,9 @@ constexpr char kStatePrefix[] = "<SimpleBarChart ";
 // The start of the element and of each data point; the closing pieces follow them.
 constexpr std::string_view kDataPointOpen = "<datapoint value='";
 constexpr std::string_view kDataPointClose = "'/>";
+// Room for a data point with a full-precision number, and for the closing tags.
+constexpr std::size_t kReservedPerDataPoint = 40;
+constexpr std::size_t kReservedTail = 32;
 
 // Widget names are usually plain identifiers, but a name is free text in Qt; escaping keeps the
 // fragment well-formed whatever it holds.
@@ -124,6 +128,11 @@ void BarChart::WriteState(std::string& pOut) const {
     pOut += serialization::ToUtf8(LocalizationLib::SingleToUserText(m_maxValue));
     pOut += "'>";
     if (m_hasData == 1) {
+        // Reserved for the values there are, not for the columns claimed.
+        const std::size_t available =
+            m_valuesType == kDoubleValues ? m_doubleData.size() : m_longData.size();
+        const auto count = std::min(available, static_cast<std::size_t>(std::max(m_columns, 0)));
+        pOut.reserve(pOut.size() + count * kReservedPerDataPoint + kReservedTail);
         for (std::int32_t i = 0; i < m_columns; ++i) {
             const std::size_t start = pOut.size();
             pOut += kDataPointOpen;
