@@ -1,5 +1,6 @@
 #include <trv5charts/capture.h>
 #include <trv5charts/colorconverter.h>
+#include <trv5charts/localizationlib.h>
 #include <trv5charts/rtchart.h>
 
 #include "platform/colour.h"
@@ -291,5 +292,183 @@ TEST_F(ChartFixture, PixelColumnsDrawExactlyWhatEverySegmentDraws) {
 
         local.SetPoint(0, trv5::ptDot);
         ExpectSamePixels(local, "dots on the line");
+    }
+}
+
+TEST_F(ChartFixture, ContextMenuOffersCopyAndPrintOnlyWhenAllowedAndDrivesTheLine) {
+    AddBulk(Ramp(11, 1, 9), kRed);
+    chart.Refresh();
+    QMenu* menu = chart.findChild<QMenu*>(QStringLiteral("ctxMain"));
+    ASSERT_NE(menu, nullptr);
+    const QList<QAction*> entries = MainEntries();
+    ASSERT_EQ(entries.size(), 4);
+    EXPECT_EQ(entries[0]->text(), QStringLiteral("Copy &Chart"));
+    EXPECT_EQ(entries[1]->text(), QStringLiteral("Copy Chart &Data"));
+    EXPECT_TRUE(entries[2]->isSeparator());
+    EXPECT_EQ(entries[3]->text(), QStringLiteral("Print"));
+    QAction* showLine = chart.findChild<QAction*>(QStringLiteral("mnuShowLine"));
+    QAction* separator = chart.findChild<QAction*>(QStringLiteral("sepShowLine"));
+    EXPECT_FALSE(showLine->isVisible());
+    EXPECT_FALSE(separator->isVisible());
+
+    const auto open = [&](QContextMenuEvent::Reason pReason) {
+        const QPoint at(30, 30);
+        QContextMenuEvent event(pReason, at, Pic().mapToGlobal(at));
+        QApplication::sendEvent(&Pic(), &event);
+        const bool shown = menu->isVisible();
+        menu->hide();
+        return shown;
+    };
+    chart.SetShowCopyPrint(false);
+    EXPECT_TRUE(open(QContextMenuEvent::Mouse)) << "the menu still opens";
+    EXPECT_FALSE(entries[0]->isEnabled());
+    EXPECT_FALSE(entries[1]->isEnabled());
+    EXPECT_FALSE(entries[3]->isEnabled());
+    chart.SetShowCopyPrint(true);
+    EXPECT_TRUE(open(QContextMenuEvent::Keyboard));
+    EXPECT_TRUE(entries[0]->isEnabled() && entries[1]->isEnabled() && entries[3]->isEnabled());
+
+    // The line entry appears with the host's caption and switches line and legend.
+    chart.AddHorizontalLine(5.0, QStringLiteral("Goal"), QStringLiteral("Show &Goal"));
+    chart.Refresh();
+    EXPECT_TRUE(showLine->isVisible() && separator->isVisible() && showLine->isChecked());
+    EXPECT_EQ(showLine->text(), QStringLiteral("Show &Goal"));
+    EXPECT_GT(CountColour(chart.LineColour()), 20);
+    showLine->trigger(); // as the user choosing it
+    EXPECT_FALSE(chart.LineShown());
+    EXPECT_FALSE(chart.IsLineLegendVisible());
+    EXPECT_EQ(CountColour(chart.LineColour()), 0) << "redrawn without the line";
+    chart.ToggleHorizontalLine();
+    EXPECT_TRUE(showLine->isChecked() && chart.LineShown());
+    chart.StopAddingHorizontalLine();
+    EXPECT_FALSE(showLine->isVisible() || separator->isVisible());
+
+    // Copy data puts the export text on the clipboard.
+    chart.SetShowCopyPrint(true);
+    QApplication::clipboard()->setText(QStringLiteral("stale"));
+    entries[1]->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), chart.GetChartDataAsString());
+}
+
+TEST_F(ChartFixture, ToolTipsNameThePointOrTheLineUnderThePointer) {
+    AddBulk(std::vector<double>(21, 3.0), kRed);
+    auto second = AddBulk(std::vector<double>(21, 7.0), kBlue);
+    second->SetName(QStringLiteral("Average"));
+    chart.AddHorizontalLine(5.5, QStringLiteral("Target"), QStringLiteral("Show Target"));
+    chart.Refresh();
+
+    EXPECT_EQ(ToolTipAt(10, 3, *mainAxis), QString()) << "tooltips are off by default";
+    chart.SetShowRecordsOnToolTip(true);
+    trv5::test::ScopedLocale german(trv5::test::German());
+    EXPECT_EQ(ToolTipAt(10, 8.7, *mainAxis), QStringLiteral("Points 1 to 21"));
+    EXPECT_EQ(ToolTipAt(12, 7, *mainAxis), QStringLiteral("Average, Point 12 (7)"));
+    EXPECT_EQ(ToolTipAt(12.4, 3, *mainAxis), QStringLiteral("S0, Point 12 (3)")) << "nearest point";
+    EXPECT_EQ(ToolTipAt(12.6, 3, *mainAxis), QStringLiteral("S0, Point 13 (3)"));
+    // The dotted line: find one of its pixels in the row of its value.
+    QString lineTip;
+    for (double x = 1; x < 3 && lineTip.isEmpty(); x += 0.02) {
+        if (ColourAt(x, 5.5, *mainAxis) == chart.LineColour()) {
+            lineTip = ToolTipAt(x, 5.5, *mainAxis);
+        }
+    }
+    EXPECT_EQ(lineTip, QStringLiteral("Target: 5,5"));
+
+    // Record indexes name the record; original values beside standardized ones give both.
+    std::vector<std::int32_t> records(21);
+    for (int i = 0; i < 21; ++i) {
+        records[static_cast<std::size_t>(i)] = 1000 + i;
+    }
+    chart.SetSeriesData2(0, std::vector<double>(21, 3.25), records);
+    chart.Refresh();
+    EXPECT_EQ(ToolTipAt(4, 3.25, *mainAxis), QStringLiteral("S0, Point 1004 (3,25)"));
+    std::vector<double> model(21, 2e8);
+    model[4] = 3e8;
+    chart.SetSeriesDataWithReplacement(model, std::vector<double>(21, 1.0), records, nullptr);
+    mainAxis->Init(-5, 5, false);
+    chart.Refresh();
+    const double shown = second->GetValue(4);
+    EXPECT_EQ(ToolTipAt(4, shown, *mainAxis),
+              QStringLiteral("Average, Point 5 (300000000: %1)")
+                  .arg(trv5::LocalizationLib::DoubleToUserText(shown)));
+}
+
+TEST_F(ChartFixture, CopiesAndPrintsThePictureOfTheChart) {
+    AddBulk(Ramp(11, 1, 9), kRed);
+    chart.Refresh();
+    QApplication::clipboard()->clear();
+    chart.EditCopy();
+    const QImage copied = QApplication::clipboard()->image();
+    EXPECT_EQ(copied.size(), chart.size() * chart.devicePixelRatio());
+
+    class AnswerToPdf final : public trv5::IPrintDialog {
+    public:
+        explicit AnswerToPdf(QString pFile) : file(std::move(pFile)) {}
+        bool Exec(trv5::PrintSettings& pSettings) override {
+            pSettings.outputFile = file;
+            return true;
+        }
+        QString file;
+    };
+    QTemporaryDir dir;
+    const QString pdf = dir.filePath(QStringLiteral("chart.pdf"));
+    chart.SetPrintDialog(std::make_shared<AnswerToPdf>(pdf));
+    MainEntries()[3]->trigger();
+    QFile file(pdf);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    EXPECT_TRUE(bytes.startsWith("%PDF"));
+    EXPECT_TRUE(bytes.contains("/Image")) << "the chart's picture is on the page";
+}
+
+TEST_F(ChartFixture, LayoutKeepsLabelsBesideThePlotAtEverySize) {
+    auto secondary = std::make_shared<Axis>();
+    secondary->Init(0, 50, true);
+    AddBulk(RandomWalk(300, 5), kRed);
+    chart.SetShowXAxis(true);
+    chart.AddHorizontalLine(5, QStringLiteral("Line"), QStringLiteral("Show Line"));
+    const auto visibleLabels = [&] {
+        QList<QLabel*> shown;
+        for (QLabel* label : chart.findChildren<QLabel*>()) {
+            if (label->isVisibleTo(&chart) && !label->geometry().isEmpty()) {
+                shown << label;
+            }
+        }
+        return shown;
+    };
+    const auto labelled = [&](const QString& pName) {
+        int count = 0;
+        for (QLabel* label : visibleLabels()) {
+            count += label->objectName() == pName ? 1 : 0;
+        }
+        return count;
+    };
+    chart.Refresh();
+    EXPECT_EQ(labelled(QStringLiteral("lblScale")), 1) << "no secondary axis, no right labels";
+    chart.SetSecondaryYAxis(secondary);
+    chart.Refresh();
+    EXPECT_EQ(labelled(QStringLiteral("lblScale")), 2);
+    EXPECT_EQ(labelled(QStringLiteral("lblOrigin")), 2);
+    EXPECT_GT(labelled(QStringLiteral("lblTick")), 4) << "values and point numbers";
+    QLabel* legend = chart.findChild<QLabel*>(QStringLiteral("lblLegend"));
+    EXPECT_EQ(legend->palette().color(QPalette::WindowText), trv5::platform::ToQColor(kRed));
+
+    for (const QSize size : {QSize(420, 300), QSize(160, 90), QSize(60, 40), QSize(12, 7),
+                             QSize(1, 1), QSize(0, 0), QSize(0, 300), QSize(500, 0)}) {
+        chart.resize(size);
+        chart.Refresh();
+        const QRect plot = Pic().geometry();
+        EXPECT_GE(plot.width(), 0);
+        EXPECT_GE(plot.height(), 0);
+        EXPECT_TRUE(QRect(QPoint(0, 0), size).contains(plot) || plot.isEmpty()) << size.width();
+        for (QLabel* label : visibleLabels()) {
+            EXPECT_FALSE(label->geometry().intersects(plot))
+                << label->objectName().toStdString() << " over the plot at " << size.width() << "x"
+                << size.height();
+            EXPECT_TRUE(QRect(QPoint(0, 0), size).contains(label->geometry()))
+                << label->objectName().toStdString() << " outside at " << size.width() << "x"
+                << size.height();
+        }
+        const QPointF middle(plot.width() / 2.0, plot.height() / 2.0);
+        (void)ToolTipAtPixel(middle); // no crash on any size
     }
 }

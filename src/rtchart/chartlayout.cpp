@@ -145,6 +145,8 @@ double NiceStep(double pRoughStep) {
 
 ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetrics) {
     ChartLayout layout;
+    // Every legend entry has a place, empty when it does not fit.
+    layout.legend.resize(static_cast<std::size_t>(pInput.legend.size()));
     const int width = std::max(0, pInput.size.width());
     const int height = std::max(0, pInput.size.height());
     const int th = pMetrics.height();
@@ -212,13 +214,13 @@ ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetric
             texts = {};
         }
     }
-    const int plotWidth = std::max(0, width - left - right);
-    layout.plot = QRect(std::min(left, width), std::min(top, height), plotWidth,
-                        showLabels ? plotHeight : std::max(0, height - 2));
     if (!showLabels) {
-        layout.plot.setHeight(std::max(0, height - 2));
+        // Too small for any label: the plot inside its frame, and nothing else.
+        layout.plot = QRect(std::min(1, width), std::min(1, height), std::max(0, width - 2),
+                            std::max(0, height - 2));
         return layout;
     }
+    layout.plot = QRect(left, top, std::max(0, width - left - right), plotHeight);
     const QRect& plot = layout.plot;
 
     // Value axes: the top and bottom values level with the plot's edges, ticks between them.
@@ -280,14 +282,13 @@ ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetric
         const int legendTop = plot.bottom() + 1 + th / 2 + (showX ? rowHeight : 0) + 4;
         for (std::size_t i = 0; i < legendRects.size(); ++i) {
             const QRect rect = legendRects[i].translated(0, legendTop);
-            if (i < static_cast<std::size_t>(pInput.legend.size())) {
-                layout.legend.push_back(rect);
+            if (i < layout.legend.size()) {
+                layout.legend[i] = rect;
             } else {
                 layout.lineLegend = rect;
             }
         }
     }
-    layout.legend.resize(static_cast<std::size_t>(pInput.legend.size()));
     return layout;
 }
 
