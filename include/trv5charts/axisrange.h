@@ -16,6 +16,10 @@ inline constexpr char kMarginSettingKey[] = "Run.CurveFitting.Margin";
 // Throws ChartError 91 without settings, 5 without the key, 13 when it is no number.
 double SettingsMargin(const QString& pKey = QString::fromLatin1(kMarginSettingKey));
 
+// As SettingsMargin once a host has stored its settings; 0 before that, so that a chart shown
+// before the host hands its settings over still draws, without a margin.
+double SettingsMarginIfConfigured(const QString& pKey = QString::fromLatin1(kMarginSettingKey));
+
 // The axis range for data from pMinimum to pMaximum: a maximum of exactly 0 becomes 0.1, equal
 // ends are widened by 10 % each way (so a constant series still gets a visible span), and then
 // pMargin times the span is added on both sides.

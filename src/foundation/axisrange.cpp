@@ -9,6 +9,10 @@ double SettingsMargin(const QString& pKey) {
     return LocalizationLib::TextToDouble(HostSettings::Value(pKey).toString());
 }
 
+double SettingsMarginIfConfigured(const QString& pKey) {
+    return Globals::HasConfig() ? SettingsMargin(pKey) : 0.0;
+}
+
 ValueRange PaddedRange(double pMinimum, double pMaximum, double pMargin) {
     double minimum = pMinimum;
     double maximum = pMaximum;

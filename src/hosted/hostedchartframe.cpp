@@ -1,0 +1,165 @@
+#include <trv5charts/hostedchartframe.h>
+
+#include "platform/chartengine.h"
+#include "platform/clipboardaccess.h"
+#include "platform/frameborder.h"
+#include "platform/printeraccess.h"
+
+#include <trv5charts/numberformat.h>
+
+#include <QPrinter>
+#include <QResizeEvent>
+
+namespace trv5 {
+
+namespace {
+
+// The engine control keeps this distance from every edge of the chart.
+constexpr int kEngineMargin = 5;
+
+} // namespace
+
+HostedChartFrame::HostedChartFrame(QString pDefaultDefinition, QWidget* pParent)
+    : QWidget(pParent), mChart(std::make_unique<platform::ChartEngine>(this)),
+      m_defaultDefinition(std::move(pDefaultDefinition)),
+      m_printDialog(std::make_shared<platform::QtPrintDialog>(this)) {
+    mChart->SetLabelNumberFormat([](double pValue) { return NumberFormat::Short(pValue); });
+    connect(mChart.get(), &platform::ChartEngine::MouseDown, this, &HostedChartFrame::MouseDown);
+    LayoutEngine();
+}
+
+HostedChartFrame::~HostedChartFrame() = default;
+
+QString HostedChartFrame::DefinitionPath(const QString& pPath) const {
+    return pPath.isEmpty() ? m_defaultDefinition : pPath;
+}
+
+void HostedChartFrame::Init(const QString& pDefinitionFilePath) {
+    // The engine works in pixels throughout, so the margins of the resize are pixels already.
+    mChart->LoadContent(DefinitionPath(pDefinitionFilePath));
+    AfterInit();
+    LayoutEngine();
+}
+
+void HostedChartFrame::LoadPalette(const QString& pPalettePath) {
+    mChart->LoadPalette(DefinitionPath(pPalettePath));
+}
+
+void HostedChartFrame::ShowLegend() {
+    mChart->SetLegendVisible(true);
+}
+
+void HostedChartFrame::HideLegend() {
+    mChart->SetLegendVisible(false);
+}
+
+void HostedChartFrame::SetAxisTitlesVisible(bool pVisible) {
+    mChart->Title(2).SetVisible(pVisible);
+    mChart->Title(3).SetVisible(pVisible);
+}
+
+void HostedChartFrame::ShowAxisTitles() {
+    SetAxisTitlesVisible(true);
+}
+
+void HostedChartFrame::HideAxisTitles() {
+    SetAxisTitlesVisible(false);
+}
+
+void HostedChartFrame::SetGridlinesVisible(bool pVisible) {
+    mChart->AxisX().SetGridLinesVisible(pVisible);
+    mChart->AxisY().SetGridLinesVisible(pVisible);
+}
+
+void HostedChartFrame::ShowGridlines() {
+    SetGridlinesVisible(true);
+}
+
+void HostedChartFrame::HideGridlines() {
+    SetGridlinesVisible(false);
+}
+
+void HostedChartFrame::CopyData() {
+    if (mChart->SeriesCount() == 0) {
+        return;
+    }
+    platform::ClipboardAccess::SetText(GetChartDataAsString());
+}
+
+void HostedChartFrame::CopyImage() {
+    CopyControlPicture(mChart->Widget());
+}
+
+void HostedChartFrame::PrintChart() {
+    PrintSettings settings;
+    if (!m_printDialog->Exec(settings)) {
+        return;
+    }
+    for (int copy = 1; copy <= settings.copies; ++copy) {
+        QPrinter printer(QPrinter::HighResolution);
+        if (!settings.outputFile.isEmpty()) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(
+                platform::PrinterAccess::CopyFileName(settings.outputFile, copy, settings.copies));
+        } else if (!settings.printerName.isEmpty()) {
+            printer.setPrinterName(settings.printerName);
+        }
+        printer.setPageOrientation(settings.orientation);
+        printer.setDocName(QStringLiteral("Chart"));
+        mChart->Print(printer);
+    }
+}
+
+void HostedChartFrame::PrintChart2(QPaintDevice* pPrinterDevice) {
+    if (pPrinterDevice == nullptr) {
+        PrintChart();
+        return;
+    }
+    mChart->Print(*pPrinterDevice);
+}
+
+void HostedChartFrame::PrintPreview() {
+    mChart->PrintPreview(this);
+}
+
+void HostedChartFrame::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {
+    m_printDialog = pDialog ? std::move(pDialog) : std::make_shared<platform::QtPrintDialog>(this);
+}
+
+void HostedChartFrame::SetDrawBorder(bool pDrawBorder) {
+    m_drawBorder = pDrawBorder;
+    update();
+}
+
+void HostedChartFrame::ReadProperties(const QVariantMap& pProperties) {
+    SetDrawBorder(pProperties.value(QStringLiteral("DrawBorder"), true).toBool());
+}
+
+void HostedChartFrame::WriteProperties(QVariantMap& pProperties) const {
+    pProperties.insert(QStringLiteral("DrawBorder"), m_drawBorder);
+}
+
+void HostedChartFrame::Dispose() {
+    mChart->ClearContent();
+}
+
+void HostedChartFrame::LayoutEngine() {
+    // A chart narrower than twice the margin gives the engine no width; Qt keeps it at zero.
+    mChart->Widget()->setGeometry(kEngineMargin, kEngineMargin, width() - 2 * kEngineMargin,
+                                  height() - 2 * kEngineMargin);
+    update();
+}
+
+void HostedChartFrame::resizeEvent(QResizeEvent* pEvent) {
+    QWidget::resizeEvent(pEvent);
+    LayoutEngine();
+}
+
+void HostedChartFrame::paintEvent(QPaintEvent* pEvent) {
+    QWidget::paintEvent(pEvent);
+    if (m_drawBorder) {
+        platform::PaintFrameBorder(*this, mChart->Widget()->geometry());
+    }
+}
+
+} // namespace trv5
