@@ -1,6 +1,7 @@
 #pragma once
 
 #include <trv5charts/charterror.h>
+#include <trv5charts/hostsettings.h>
 
 #include <QLocale>
 #include <QString>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <utility>
 
 // Readable QString values in assertion messages.
 inline void PrintTo(const QString& pText, std::ostream* pStream) {
@@ -29,6 +31,14 @@ public:
 
 private:
     QLocale m_previous;
+};
+
+// Host settings from a map, for tests that need a margin or a colour from the settings.
+class MapConfig final : public IConfig {
+public:
+    explicit MapConfig(QVariantMap pSettings) : settings(std::move(pSettings)) {}
+    QVariantMap Settings() const override { return settings; }
+    QVariantMap settings;
 };
 
 inline QLocale German() {
