@@ -13,7 +13,9 @@
 #include <trv5charts/localizationlib.h>
 #include <trv5charts/mathhelper.h>
 #include <trv5charts/numberformat.h>
+#include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/series.h>
 #include <trv5charts/stringhelpers.h>
 #include <trv5charts/variantconvert.h>
+#include <trv5charts/verticallabel.h>
