@@ -116,16 +116,20 @@ TEST(DesignerPlugin, EveryDesignTimePropertyIsSavedInTheUiFileAndRestored) {
         ASSERT_NE(original, nullptr);
         original->setObjectName(QStringLiteral("control"));
         const QMetaObject* meta = original->metaObject();
-        QVariantMap expected;
+        QList<QMetaProperty> properties;
         for (int i = QWidget::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
             const QMetaProperty property = meta->property(i);
             if (property.isWritable() && property.isDesignable()) {
                 property.write(original.get(), OtherValue(property, property.read(original.get())));
-                expected.insert(QString::fromLatin1(property.name()),
-                                property.read(original.get()));
+                properties << property;
             }
         }
-        ASSERT_FALSE(expected.isEmpty());
+        ASSERT_FALSE(properties.isEmpty());
+        // Read after all writes: a setter may change another property, as loading does too.
+        QVariantMap expected;
+        for (const QMetaProperty& property : properties) {
+            expected.insert(QString::fromLatin1(property.name()), property.read(original.get()));
+        }
 
         QBuffer ui;
         ui.open(QIODevice::WriteOnly);
@@ -133,9 +137,14 @@ TEST(DesignerPlugin, EveryDesignTimePropertyIsSavedInTheUiFileAndRestored) {
         const std::unique_ptr<QWidget> restored = LoadUi(ui.data());
         ASSERT_NE(restored, nullptr);
         for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
-            EXPECT_EQ(restored->property(it.key().toLatin1().constData()), it.value())
-                << it.key().toStdString() << " in\n"
-                << ui.data().toStdString();
+            // The .ui writer (Designer's too) skips types it has no element for, such as float.
+            EXPECT_TRUE(ui.data().contains("<property name=\"" + it.key().toLatin1() + '"'))
+                << it.key().toStdString() << " of type " << it.value().typeName()
+                << " is not written to .ui files";
+            const QVariant value = restored->property(it.key().toLatin1().constData());
+            EXPECT_TRUE(value == it.value())
+                << it.key().toStdString() << " restored as " << value.toString().toStdString()
+                << ", saved as " << it.value().toString().toStdString();
         }
     }
 }
