@@ -1,12 +1,19 @@
 // Saved state, text export and the drip feed of the run progress chart at full size: 21 series
-// of 100,000 values for the text paths, 21 series for 1,000,000 generations for the feed.
+// of 100,000 values for the text paths, 21 series for 1,000,000 generations for the feed; and
+// drawing: two bulk series of 1,000,000 points, and a drip-feed run redrawn every generation.
 
 #include <trv5charts/rtchart.h>
+
+#include "platform/drawingsurface.h"
+#include "rtchart/seriesdrawing.h"
 
 #include <QApplication>
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <memory>
 #include <random>
 #include <vector>
@@ -101,6 +108,101 @@ void BM_RTChartAddPoint(benchmark::State& pState) {
     pState.SetItemsProcessed(pState.iterations() * generations * kSeries);
 }
 BENCHMARK(BM_RTChartAddPoint)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+// A random walk, as a model's output over a million records looks at this scale.
+std::vector<double> Walk(std::size_t pCount, unsigned pSeed) {
+    std::mt19937_64 random(pSeed);
+    std::normal_distribution<double> step(0.0, 0.01);
+    std::vector<double> values(pCount);
+    double value = 0.5;
+    for (double& v : values) {
+        value = std::clamp(value + step(random), 0.0, 1.0);
+        v = value;
+    }
+    return values;
+}
+
+// Redraws the chart into its plot's raster and waits for the picture to be finished.
+void RefreshNow(trv5::RTChart& pChart, const trv5::platform::DrawingSurface& pPic) {
+    pChart.Refresh();
+    benchmark::DoNotOptimize(pPic.Raster().constBits());
+}
+
+// Two bulk series of 1,000,000 points on a 1000 x 600 chart. Argument 1 draws every segment
+// instead of the pixel columns, for comparison.
+void BM_RTChartRefreshBulk(benchmark::State& pState) {
+    constexpr std::size_t kPoints = 1'000'000;
+    trv5::rtchart::SetPolylineMode(pState.range(0) == 0
+                                       ? trv5::rtchart::PolylineMode::PixelColumns
+                                       : trv5::rtchart::PolylineMode::EverySegment);
+    trv5::RTChart chart;
+    chart.resize(1000, 600);
+    auto axis = std::make_shared<trv5::Axis>();
+    axis->Init(-0.05, 1.05, false);
+    chart.SetMainYAxis(axis);
+    for (int s = 0; s < 2; ++s) {
+        const auto index = chart.AddSeries(nullptr, false, QStringLiteral("Series %1").arg(s));
+        chart.GetSeries(index)->Init(static_cast<std::int32_t>(kPoints), 0, 1, trv5::Bulk, false);
+        chart.GetSeries(index)->SetColour(s == 0 ? 0x0000C0 : 0xC00000);
+        chart.SetSeriesData(index, Walk(kPoints, static_cast<unsigned>(s) + 7));
+    }
+    const auto& pic = *chart.findChild<trv5::platform::DrawingSurface*>(QStringLiteral("pic"));
+    RefreshNow(chart, pic);
+    for (auto _ : pState) {
+        RefreshNow(chart, pic);
+    }
+    trv5::rtchart::SetPolylineMode(trv5::rtchart::PolylineMode::PixelColumns);
+    pState.SetItemsProcessed(pState.iterations() * static_cast<std::int64_t>(2 * kPoints));
+}
+BENCHMARK(BM_RTChartRefreshBulk)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// A live run: 21 drip-feed series of 10,000 generations, each generation one AddPoint per series
+// and a Refresh. Reports the median and the 99th percentile of one generation.
+void BM_RTChartDripFeedRefresh(benchmark::State& pState) {
+    constexpr int kGenerations = 10'000;
+    std::vector<double> perGeneration;
+    perGeneration.reserve(kGenerations);
+    for (auto _ : pState) {
+        pState.PauseTiming();
+        trv5::RTChart chart;
+        chart.resize(1000, 600);
+        chart.SetShowXAxis(true);
+        auto axis = std::make_shared<trv5::Axis>();
+        axis->Init(0, 1, false);
+        chart.SetMainYAxis(axis);
+        for (int s = 0; s < kSeries; ++s) {
+            const auto index = chart.AddSeries(nullptr, false, QStringLiteral("S%1").arg(s));
+            chart.GetSeries(index)->Init(kGenerations, 0, 1, trv5::DripFeed, false);
+            chart.GetSeries(index)->SetColour(0x101010 * (s % 12) + 0x40);
+        }
+        const auto& pic = *chart.findChild<trv5::platform::DrawingSurface*>(QStringLiteral("pic"));
+        std::mt19937 random(11);
+        std::uniform_real_distribution<double> noise(-0.02, 0.02);
+        perGeneration.clear();
+        pState.ResumeTiming();
+        for (int g = 0; g < kGenerations; ++g) {
+            const auto start = std::chrono::steady_clock::now();
+            const double base = 1.0 - std::exp(-g / 2500.0);
+            for (int s = 0; s < kSeries; ++s) {
+                chart.AddPoint(s, std::clamp(base * (0.5 + s / 42.0) + noise(random), 0.0, 1.0));
+            }
+            RefreshNow(chart, pic);
+            perGeneration.push_back(
+                std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+                    .count());
+        }
+    }
+    std::sort(perGeneration.begin(), perGeneration.end());
+    const auto at = [&](double pFraction) {
+        return perGeneration[static_cast<std::size_t>(
+            pFraction * static_cast<double>(perGeneration.size() - 1))];
+    };
+    pState.counters["median_ms"] = at(0.5);
+    pState.counters["p99_ms"] = at(0.99);
+    pState.counters["max_ms"] = perGeneration.back();
+    pState.SetItemsProcessed(pState.iterations() * kGenerations);
+}
+BENCHMARK(BM_RTChartDripFeedRefresh)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

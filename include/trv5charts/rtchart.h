@@ -40,7 +40,8 @@ class DrawingSurface;
 // with the actions "mnuMain" (copy chart, copy data, separator, print; in that order),
 // "sepShowLine" and "mnuShowLine", and the labels "lblLegend" (one per series), "lblOrigin" and
 // "lblScale" (bottom and top value of the main and the secondary axis, in that order),
-// "lblLineLegend", "lblTick" (value and point numbers) and "lblAxisTitle".
+// "lblLineLegend", "lblTick" (value and point numbers), "lblAxisTitle" and the legend's colour
+// swatches "shpLegend".
 class RTChart : public QWidget, public ISimpleSerializable {
     Q_OBJECT
     Q_PROPERTY(bool ShowRecordsOnToolTip READ ShowRecordsOnToolTip WRITE SetShowRecordsOnToolTip)
@@ -240,6 +241,8 @@ private:
     // Tick labels of the main axis, the secondary axis and the point numbers.
     std::array<std::vector<QLabel*>, 3> m_tickLabels;
     std::array<QLabel*, 2> lblAxisTitle{};
+    // The short lines in front of the legend entries; the last one in use is the line's.
+    std::vector<QFrame*> m_legendSwatches;
 
     std::vector<QLabel*> lblLegend;
     std::array<QLabel*, 2> lblOrigin{};

@@ -111,7 +111,7 @@ int FlowLegend(const QStringList& pEntries, int pLeft, int pTop, int pWidth, int
     int x = pLeft;
     int row = 0;
     for (const QString& entry : pEntries) {
-        const int w = TextWidth(pMetrics, entry);
+        const int w = kLegendSwatchWidth + TextWidth(pMetrics, entry);
         if (x > pLeft && x + w > pLeft + pWidth) {
             x = pLeft;
             ++row;

@@ -35,6 +35,9 @@ struct LayoutInput {
     QString lineLegend;
 };
 
+// Each legend entry starts with a short line in the entry's colour, this wide with its gap.
+inline constexpr int kLegendSwatchWidth = 18;
+
 struct PlacedText {
     QRect rect;
     QString text;
@@ -52,7 +55,8 @@ struct ChartLayout {
     // Grid lines, in data units: values of the main axis and point indexes.
     std::vector<double> gridY;
     std::vector<double> gridX;
-    std::vector<QRect> legend; // one per legend entry; empty rectangles are hidden
+    // One per legend entry, swatch and text; an empty rectangle does not fit.
+    std::vector<QRect> legend;
     QRect lineLegend;
 };
 

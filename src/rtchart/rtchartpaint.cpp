@@ -130,16 +130,35 @@ void RTChart::ApplyLayout() {
 
     // Legend labels keep their visibility (it says which are in use); a label that does not fit
     // is given no area instead.
+    while (m_legendSwatches.size() < legend.size() + 1) {
+        auto* swatch = new QFrame(this);
+        swatch->setObjectName(QStringLiteral("shpLegend"));
+        swatch->setAutoFillBackground(true);
+        m_legendSwatches.push_back(swatch);
+    }
+    const auto placeEntry = [this](QLabel* pLabel, QFrame* pSwatch, const QRect& pRect,
+                                   std::int32_t pColour, int pThickness) {
+        const bool fits = !pRect.isEmpty() && pLabel->isVisibleTo(this);
+        pLabel->setGeometry(fits ? pRect.adjusted(rtchart::kLegendSwatchWidth, 0, 0, 0) : QRect());
+        SetTextColour(pLabel, pColour);
+        pSwatch->setGeometry(pRect.left(), pRect.center().y() - pThickness / 2,
+                             rtchart::kLegendSwatchWidth - 5, pThickness);
+        QPalette palette = pSwatch->palette();
+        palette.setColor(QPalette::Window, platform::ToQColor(pColour));
+        pSwatch->setPalette(palette);
+        pSwatch->setVisible(fits);
+    };
     for (std::size_t i = 0; i < legend.size(); ++i) {
-        legend[i]->setGeometry(layout.legend[i]);
         const std::size_t slot = static_cast<std::size_t>(
             std::find(lblLegend.begin(), lblLegend.end(), legend[i]) - lblLegend.begin());
-        if (slot < m_series.size() && m_series[slot]) {
-            SetTextColour(legend[i], m_series[slot]->Colour());
-        }
+        const std::int32_t colour =
+            slot < m_series.size() && m_series[slot] ? m_series[slot]->Colour() : 0;
+        placeEntry(legend[i], m_legendSwatches[i], layout.legend[i], colour, 3);
     }
-    lblLineLegend->setGeometry(layout.lineLegend);
-    SetTextColour(lblLineLegend, m_lineColour);
+    for (std::size_t i = legend.size() + 1; i < m_legendSwatches.size(); ++i) {
+        m_legendSwatches[i]->hide();
+    }
+    placeEntry(lblLineLegend, m_legendSwatches[legend.size()], layout.lineLegend, m_lineColour, 1);
 }
 
 void RTChart::DrawGrid() {

@@ -119,60 +119,165 @@ private:
 // column's strokes collapse into one, while a segment that leaves the column is drawn as it is.
 // A point that cannot be mapped (NaN, infinity, beyond the device range) breaks the chain on both
 // sides, as it removes both its segments from the plain rendering.
+class ColumnWalker {
+public:
+    explicit ColumnWalker(DrawingSurface& pSurface) : m_batch(pSurface) {}
+    ~ColumnWalker() { Close(); }
+    ColumnWalker(const ColumnWalker&) = delete;
+    ColumnWalker& operator=(const ColumnWalker&) = delete;
+
+    // The point before the first: the first segment runs from point 0 to itself.
+    void Start(double pCellX, double pCellY, bool pValid) { Remember(pCellX, pCellY, pValid); }
+
+    // The next point, as the plain rendering's next segment.
+    void Step(double pCellX, double pCellY, bool pValid) {
+        if (pValid && m_previousValid) {
+            if (pCellX == m_previousX) {
+                Extend(pCellX, pCellY, pCellY);
+            } else {
+                Close();
+                m_batch.Add(m_previousX, m_previousY, pCellX, pCellY);
+            }
+        } else {
+            Close();
+        }
+        Remember(pCellX, pCellY, pValid);
+    }
+
+    // All points of one column at once, every one of them valid: the same as stepping through
+    // them, since the strokes between them cover the rows from the lowest to the highest.
+    void Column(double pCellX, double pFirstY, double pLastY, double pLowY, double pHighY,
+                std::int64_t pCount) {
+        Step(pCellX, pFirstY, true);
+        if (pCount > 1) {
+            Extend(pCellX, pLowY, pHighY);
+            m_previousY = pLastY;
+        }
+    }
+
+    void Close() {
+        if (m_open) {
+            m_batch.Add(m_columnX, m_low, m_columnX, m_high);
+            m_open = false;
+        }
+    }
+
+private:
+    void Extend(double pCellX, double pLowY, double pHighY) {
+        if (!m_open) {
+            m_open = true;
+            m_columnX = pCellX;
+            m_low = m_previousY;
+            m_high = m_previousY;
+        }
+        m_low = std::min(m_low, pLowY);
+        m_high = std::max(m_high, pHighY);
+    }
+    void Remember(double pCellX, double pCellY, bool pValid) {
+        m_previousValid = pValid;
+        m_previousX = pCellX;
+        m_previousY = pCellY;
+    }
+
+    LineBatch m_batch;
+    bool m_previousValid = false;
+    double m_previousX = 0.0;
+    double m_previousY = 0.0;
+    // The open column: rows low to high in column m_columnX, covered by strokes already seen.
+    bool m_open = false;
+    double m_columnX = 0.0;
+    double m_low = 0.0;
+    double m_high = 0.0;
+};
+
+struct Cell {
+    double x;
+    double y;
+    bool valid;
+};
+
+Cell CellOf(const DrawingSurface::DeviceMapping& pMapping, double pX, double pValue) {
+    const double x = pMapping.X(pX);
+    const double y = pMapping.Y(pValue);
+    if (!std::isfinite(x) || !std::isfinite(y)) {
+        return {0.0, 0.0, false};
+    }
+    return {std::floor(x), std::floor(y), true};
+}
+
+// The last index from pFirst on whose column is pColumn (at least pFirst). The mapping is
+// monotonic in the index, so the boundary found from the estimate is checked with the very
+// expression the points are placed by.
+std::int64_t LastInColumn(const DrawingSurface::DeviceMapping& pMapping, double pColumn,
+                          std::int64_t pFirst, std::int64_t pLast) {
+    const auto column = [&](std::int64_t pIndex) {
+        return std::floor(pMapping.X(static_cast<double>(pIndex)));
+    };
+    const double estimate = std::ceil((pColumn + 1.0) / pMapping.xFactor + pMapping.left) - 1.0;
+    std::int64_t last = static_cast<std::int64_t>(
+        std::clamp(estimate, static_cast<double>(pFirst), static_cast<double>(pLast)));
+    while (last < pLast && column(last + 1) == pColumn) {
+        ++last;
+    }
+    while (last > pFirst && column(last) != pColumn) {
+        --last;
+    }
+    return last;
+}
+
 void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints) {
     const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping();
     if (!mapping || pPoints.last < 0) {
         return;
     }
-    LineBatch batch(pSurface);
+    ColumnWalker walker(pSurface);
+    const Cell first = CellOf(*mapping, 0.0, pPoints.At(0));
+    walker.Start(first.x, first.y, first.valid);
 
-    // The previous point's cell; the first segment runs from point 0 to itself.
-    const double x0 = mapping->X(0.0);
-    const double y0 = mapping->Y(pPoints.At(0));
-    bool previousValid = std::isfinite(x0) && std::isfinite(y0);
-    double previousX = previousValid ? std::floor(x0) : 0.0;
-    double previousY = previousValid ? std::floor(y0) : 0.0;
-
-    // The open column: rows low to high in column columnX, covered by strokes already seen.
-    bool open = false;
-    double columnX = 0.0;
-    double low = 0.0;
-    double high = 0.0;
-    const auto close = [&] {
-        if (open) {
-            batch.Add(columnX, low, columnX, high);
-            open = false;
-        }
-    };
-
-    for (std::int64_t k = 0; k <= pPoints.last; ++k) {
+    // Columns are found by index when the points run left to right; otherwise, and for any
+    // column holding a point that cannot be mapped, each point is stepped through on its own.
+    const bool byColumn = mapping->xFactor > 0.0 && std::isfinite(mapping->xFactor) &&
+                          std::isfinite(mapping->X(static_cast<double>(pPoints.last)));
+    std::int64_t k = 0;
+    while (k <= pPoints.last) {
         const double x = mapping->X(static_cast<double>(k));
-        const double y = mapping->Y(pPoints.At(k));
-        const bool valid = std::isfinite(x) && std::isfinite(y);
-        const double cellX = valid ? std::floor(x) : 0.0;
-        const double cellY = valid ? std::floor(y) : 0.0;
-        if (valid && previousValid) {
-            if (cellX == previousX) {
-                if (!open) {
-                    open = true;
-                    columnX = cellX;
-                    low = previousY;
-                    high = previousY;
-                }
-                low = std::min(low, cellY);
-                high = std::max(high, cellY);
-            } else {
-                close();
-                batch.Add(previousX, previousY, cellX, cellY);
-            }
-        } else {
-            close();
+        if (!byColumn || !std::isfinite(x)) {
+            const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
+            walker.Step(cell.x, cell.y, cell.valid);
+            ++k;
+            continue;
         }
-        previousValid = valid;
-        previousX = cellX;
-        previousY = cellY;
+        const double column = std::floor(x);
+        const std::int64_t end = LastInColumn(*mapping, column, k, pPoints.last);
+        double low = pPoints.At(k);
+        double high = low;
+        bool nan = false;
+        if (pPoints.ready) {
+            for (std::int64_t i = k; i <= end; ++i) {
+                const double v = pPoints.values[static_cast<std::size_t>(i)];
+                low = v < low ? v : low;
+                high = v > high ? v : high;
+                nan |= v != v;
+            }
+        }
+        const double lowY = mapping->Y(low);
+        const double highY = mapping->Y(high);
+        if (nan || std::isnan(low) || !std::isfinite(lowY) || !std::isfinite(highY)) {
+            for (; k <= end; ++k) {
+                const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
+                walker.Step(cell.x, cell.y, cell.valid);
+            }
+            continue;
+        }
+        // The mapping keeps the order of values (it may reverse it), so the extreme rows are the
+        // rows of the extreme values.
+        const double rowA = std::floor(lowY);
+        const double rowB = std::floor(highY);
+        walker.Column(column, std::floor(mapping->Y(pPoints.At(k))),
+                      std::floor(mapping->Y(pPoints.At(end))), std::min(rowA, rowB),
+                      std::max(rowA, rowB), end - k + 1);
+        k = end + 1;
     }
-    close();
 }
 
 void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
