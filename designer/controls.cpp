@@ -14,6 +14,12 @@ constexpr const char* kGroup = "TRV5Charts";
 const ControlInfo kControls[] = {
     TRV5_DESIGNER_CONTROL(RTChart, "rtchart.h", kGroup,
                           "Run progress chart: up to 21 series by generation or by record"),
+    TRV5_DESIGNER_CONTROL(BarChart, "barchart.h", kGroup,
+                          "Bar chart: a row of vertical bars or one horizontal gauge bar"),
+    TRV5_DESIGNER_CONTROL(ROCChart, "rocchart.h", kGroup,
+                          "ROC chart: a classifier's ROC curve with its AUC figures"),
+    TRV5_DESIGNER_CONTROL(VerticalLabel, "verticallabel.h", kGroup,
+                          "Vertical caption: one line of text read from bottom to top"),
 };
 
 } // namespace

