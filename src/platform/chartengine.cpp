@@ -273,6 +273,7 @@ ChartAxis::ChartAxis(EngineState& pEngine, bool pHorizontal)
     : m_engine(pEngine), m_horizontal(pHorizontal) {}
 
 void ChartAxis::Changed() {
+    ++m_writes;
     m_engine.Invalidate();
 }
 

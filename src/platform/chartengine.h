@@ -168,6 +168,10 @@ public:
     double VisibleMinimum() const;
     double VisibleMaximum() const;
 
+    // How many property writes the axis has taken. Every write invalidates the frame, so callers
+    // that set a range over and over write only what differs; this lets them (and tests) see it.
+    std::uint64_t WriteCount() const { return m_writes; }
+
 private:
     friend class ChartEngine;
     friend struct EngineState;
@@ -177,6 +181,7 @@ private:
     EngineState& m_engine;
     bool m_horizontal;
     AxisDefinition m_definition;
+    std::uint64_t m_writes = 0;
 };
 
 // A point found under the mouse: the series' index and the point's index in it.
