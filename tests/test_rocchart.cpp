@@ -231,6 +231,35 @@ TEST(ROCChartTest, CurveRunsThroughThePointsAndABreakSuppressesOnlyTheOutgoingSe
     }
 }
 
+TEST(ROCChartTest, ADenseCurveHasNoGaps) {
+    // Far more points than pixels, so most segments end in the pixel where the last one ended,
+    // with a jump straight up half way (many positives with one score).
+    constexpr int kPoints = 50'000;
+    const auto rate = [](double pFp) {
+        return 0.8 * std::sqrt(pFp) + (pFp > 0.5 ? 0.2 : 0.0);
+    };
+    std::vector<double> fp;
+    std::vector<double> tp;
+    for (int i = 0; i <= kPoints; ++i) {
+        fp.push_back(static_cast<double>(i) / kPoints);
+        tp.push_back(rate(fp.back()));
+    }
+    for (const double ratio : {1.0, 1.5}) {
+        Fixture f;
+        f.pic.SetDevicePixelRatioForTesting(ratio);
+        f.chart.SetDataSource(fp, tp);
+        f.chart.Refresh();
+        const double w = f.pic.ScaleWidth();
+        const double h = f.pic.ScaleHeight();
+        for (double x = w * 0.1; x < w * 0.99; x += 1.0) {
+            const double y = (h - h * rate(x / (w * 0.995))) * 0.997;
+            ASSERT_TRUE(ColourNear(f.pic, x, y, kRed)) << ratio << " at x " << x;
+        }
+        const Mapped jump = OnSegment(f.pic, 0.5, rate(0.5), 0.5, rate(0.5) + 0.2, 0.5);
+        EXPECT_TRUE(ColourNear(f.pic, jump.x, jump.y, kRed)) << ratio;
+    }
+}
+
 TEST(ROCChartTest, DegenerateDataDrawsNoCurveAndNeverFails) {
     Fixture f;
     const std::vector<double> one = {0.4};

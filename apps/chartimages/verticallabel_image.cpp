@@ -8,8 +8,8 @@ namespace {
 
 const trv5::images::RegisterImage verticalLabel("verticallabel.png", [] {
     trv5::VerticalLabel label;
-    label.resize(24, 180);
-    label.SetBackColor(0xFFFFFF);
+    // The default background, the form's button face, shows the control's extent.
+    label.resize(28, 200);
     label.SetText(QStringLiteral("TP Rate (Sensitivity)"));
     return trv5::CaptureControl(&label);
 });

@@ -1,8 +1,11 @@
 #include "roc/rocdrawing.h"
 
+#include <QImage>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace trv5::roc {
 
@@ -64,6 +67,15 @@ bool DrawCurve(platform::DrawingSurface& pPic, std::span<const double> pFpRates,
                std::span<const double> pTpRates, std::int32_t pColour, int pWidth) {
     const double w = pPic.ScaleWidth();
     const double h = pPic.ScaleHeight();
+    // The device pixel a position lands in, as the surface maps its scale onto its raster.
+    const QImage& raster = pPic.Raster();
+    const double left = pPic.ScaleLeft();
+    const double top = pPic.ScaleTop();
+    const double perUnitX = raster.width() / w;
+    const double perUnitY = raster.height() / h;
+    const auto cellOf = [&](double pX, double pY) {
+        return std::pair(std::floor((pX - left) * perUnitX), std::floor((pY - top) * perUnitY));
+    };
     pPic.SetDrawWidth(pWidth);
     pPic.SetDrawStyle(platform::DrawingSurface::DrawStyle::Solid);
     pPic.SetForeColor(pColour);
@@ -74,16 +86,30 @@ bool DrawCurve(platform::DrawingSurface& pPic, std::span<const double> pFpRates,
         return (h - h * pRate) * kBottomPull;
     };
     bool complete = true;
+    // Where the last segment drawn ended, while the curve runs on from there unbroken.
+    bool unbroken = false;
+    std::pair<double, double> lastEnd(0.0, 0.0);
     for (std::size_t i = 0; i + 1 < pFpRates.size(); ++i) {
         // Only the start of a segment is tested: a segment arriving at a break is drawn.
         if (!(pFpRates[i] > kBreakMarker)) {
+            unbroken = false;
             continue;
         }
         if (i + 1 >= pTpRates.size()) {
             complete = false;
             break;
         }
-        pPic.Line(x(pFpRates[i]), y(pTpRates[i]), x(pFpRates[i + 1]), y(pTpRates[i + 1]));
+        const double x2 = x(pFpRates[i + 1]);
+        const double y2 = y(pTpRates[i + 1]);
+        // A segment that starts and ends in the pixel where the previous one ended would only
+        // paint that pixel again. A curve of a million points has mostly such segments.
+        const auto end = cellOf(x2, y2);
+        if (unbroken && lastEnd == end) {
+            continue;
+        }
+        pPic.Line(x(pFpRates[i]), y(pTpRates[i]), x2, y2);
+        lastEnd = end;
+        unbroken = true;
     }
     pPic.SetDrawWidth(1);
     return complete;
