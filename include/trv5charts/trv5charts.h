@@ -8,13 +8,16 @@
 #include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
 #include <trv5charts/colorconverter.h>
+#include <trv5charts/hostedchartframe.h>
 #include <trv5charts/hostsettings.h>
+#include <trv5charts/idisposable.h>
 #include <trv5charts/isimpleserializable.h>
 #include <trv5charts/localizationlib.h>
 #include <trv5charts/mathhelper.h>
 #include <trv5charts/numberformat.h>
 #include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
+#include <trv5charts/scatterplot.h>
 #include <trv5charts/series.h>
 #include <trv5charts/stringhelpers.h>
 #include <trv5charts/variantconvert.h>

@@ -10,6 +10,8 @@
 #include <QPrinter>
 #include <QResizeEvent>
 
+#include <algorithm>
+
 namespace trv5 {
 
 namespace {
@@ -144,9 +146,11 @@ void HostedChartFrame::Dispose() {
 }
 
 void HostedChartFrame::LayoutEngine() {
-    // A chart narrower than twice the margin gives the engine no width; Qt keeps it at zero.
-    mChart->Widget()->setGeometry(kEngineMargin, kEngineMargin, width() - 2 * kEngineMargin,
-                                  height() - 2 * kEngineMargin);
+    // A chart narrower than twice the margin leaves the engine no room: it gets no area rather
+    // than the negative size that would make it paint into nothing.
+    mChart->Widget()->setGeometry(kEngineMargin, kEngineMargin,
+                                  std::max(width() - 2 * kEngineMargin, 0),
+                                  std::max(height() - 2 * kEngineMargin, 0));
     update();
 }
 

@@ -593,7 +593,9 @@ void EngineState::SyncAxis(const ChartAxis& pAxis, QCPAxis& pPlotAxis, bool pHor
     pPlotAxis.grid()->setPen(QPen(palette.grid, 0, Qt::DotLine));
 
     if (!definition.autoRange) {
-        if (QCPRange::validRange(definition.minValue, definition.maxValue)) {
+        // The plot would swap a reversed pair; a reversed or empty range is no range here.
+        if (definition.minValue < definition.maxValue &&
+            QCPRange::validRange(definition.minValue, definition.maxValue)) {
             pPlotAxis.setRange(definition.minValue, definition.maxValue);
         }
         return;
