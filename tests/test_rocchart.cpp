@@ -118,8 +118,22 @@ void OpenMenu(ROCChart& pChart, QContextMenuEvent::Reason pReason) {
     QCoreApplication::sendEvent(&pChart, &event);
 }
 
+// Member pIndex of a control array: its members share one name, in the order of their index.
+template <class T> T& Member(const ROCChart& pChart, const char* pName, int pIndex) {
+    const QList<T*> members = pChart.findChildren<T*>(QString::fromLatin1(pName));
+    if (pIndex >= members.size()) {
+        ADD_FAILURE() << "no member " << pIndex << " of " << pName;
+        std::abort();
+    }
+    return *members[pIndex];
+}
+
 QAction& MenuItem(const ROCChart& pChart, int pIndex) {
-    return Child<QAction>(pChart, QStringLiteral("mnuMain%1").arg(pIndex).toLatin1().constData());
+    return Member<QAction>(pChart, "mnuMain", pIndex);
+}
+
+QLabel& Tick(const ROCChart& pChart, const char* pAxis, int pIndex) {
+    return Member<QLabel>(pChart, pAxis, pIndex);
 }
 
 class AnsweringDialog : public trv5::IPrintDialog {
@@ -157,15 +171,15 @@ TEST(ROCChartTest, StartsWithTheDiagonalTickLabelsAndHiddenFigures) {
         EXPECT_FALSE(Shown(chart, hidden)) << hidden;
     }
     // Tenths in the user's locale, the vertical ones counting down from the top.
-    EXPECT_EQ(TextOf(chart, "lblX0"), QStringLiteral("0"));
-    EXPECT_EQ(TextOf(chart, "lblX3"), QStringLiteral("0,3"));
-    EXPECT_EQ(TextOf(chart, "lblX10"), QStringLiteral("1"));
-    EXPECT_EQ(TextOf(chart, "lblY0"), QStringLiteral("1"));
-    EXPECT_EQ(TextOf(chart, "lblY7"), QStringLiteral("0,3"));
-    EXPECT_LT(Child<QLabel>(chart, "lblX3").geometry().center().x(),
-              Child<QLabel>(chart, "lblX7").geometry().center().x());
-    EXPECT_LT(Child<QLabel>(chart, "lblY3").geometry().center().y(),
-              Child<QLabel>(chart, "lblY7").geometry().center().y());
+    EXPECT_EQ(Tick(chart, "lblX", 0).text(), QStringLiteral("0"));
+    EXPECT_EQ(Tick(chart, "lblX", 3).text(), QStringLiteral("0,3"));
+    EXPECT_EQ(Tick(chart, "lblX", 10).text(), QStringLiteral("1"));
+    EXPECT_EQ(Tick(chart, "lblY", 0).text(), QStringLiteral("1"));
+    EXPECT_EQ(Tick(chart, "lblY", 7).text(), QStringLiteral("0,3"));
+    EXPECT_LT(Tick(chart, "lblX", 3).geometry().center().x(),
+              Tick(chart, "lblX", 7).geometry().center().x());
+    EXPECT_LT(Tick(chart, "lblY", 3).geometry().center().y(),
+              Tick(chart, "lblY", 7).geometry().center().y());
 
     // The diagonal is dotted: roughly every other column along it, nowhere else.
     const double coverage = DiagonalCoverage(f.pic, kBlack);
@@ -426,9 +440,8 @@ TEST(ROCChartTest, LayoutKeepsASquarePlotAndSurvivesAnySize) {
               QRect(f.pic.x(), 20, 450 - titleHeight - 48, 450 - titleHeight - 48));
     // Plot, vertical title, legend and AUC figures do not overlap.
     const QRect plot = f.pic.geometry();
-    EXPECT_LT(Child<QWidget>(chart, "vlLegend").geometry().right(),
-              Child<QLabel>(chart, "lblY5").x());
-    EXPECT_LT(Child<QLabel>(chart, "lblY5").geometry().right(), plot.left());
+    EXPECT_LT(Child<QWidget>(chart, "vlLegend").geometry().right(), Tick(chart, "lblY", 5).x());
+    EXPECT_LT(Tick(chart, "lblY", 5).geometry().right(), plot.left());
     EXPECT_GT(Child<QWidget>(chart, "picLegend").x(), plot.right());
     EXPECT_GT(Child<QLabel>(chart, "lblAUC").x(),
               Child<QLabel>(chart, "lblAucLabel").geometry().right());

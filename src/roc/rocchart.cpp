@@ -78,11 +78,11 @@ ROCChart::ROCChart(QWidget* pParent) : QWidget(pParent) {
     m_surface->setObjectName(QStringLiteral("surface"));
     pic = new DrawingSurface(this);
     pic->setObjectName(QStringLiteral("pic"));
+    // The members of a label array share their name; their order is their index.
     for (std::size_t i = 0; i < lblX.size(); ++i) {
-        const QString index = QString::number(i);
-        lblX[i] = MakeLabel(this, QStringLiteral("lblX") + index);
+        lblX[i] = MakeLabel(this, QStringLiteral("lblX"));
         lblX[i]->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
-        lblY[i] = MakeLabel(this, QStringLiteral("lblY") + index);
+        lblY[i] = MakeLabel(this, QStringLiteral("lblY"));
         lblY[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
     lblHLegend =
@@ -100,7 +100,7 @@ ROCChart::ROCChart(QWidget* pParent) : QWidget(pParent) {
                                 QStringLiteral("-"),           QStringLiteral("&Print"),
                                 QStringLiteral("-"),           QString()};
     for (int i = 0; i < 6; ++i) {
-        ctxMain->AddItem(captions[i], QStringLiteral("mnuMain") + QString::number(i));
+        ctxMain->AddItem(captions[i], QStringLiteral("mnuMain"));
     }
     ctxMain->Item(kQuantity)->setCheckable(true);
     ctxMain->Item(kQuantitySeparator)->setVisible(false);
