@@ -281,6 +281,11 @@ TEST(BarChartLayout, MarginWidthFollowsTheOldLeftEdgeAndGettersHaveSideEffects) 
     c.chart.Init(5, 10.0F, trv5::ctMultiVerticalBars, BarChart::kLongValues, 0.1F);
     EXPECT_EQ(c.pic->geometry(), QRect(21, 1, 156, 98));
 
+    // A margin beyond any widget position reaches the host from Init; a resize swallows it.
+    EXPECT_CHART_ERROR(c.chart.Init(5, 10.0F, trv5::ctMultiVerticalBars, 3, 1e30F), 6);
+    c.chart.resize(210, 100);
+    c.chart.SetHMarginPercent(0.1F);
+
     // A huge negative corner from saved state cannot blow the picture up.
     c.chart.FromString(QStringLiteral("<SimpleBarChart corner='-1000000'/>"));
     c.chart.resize(201, 100);
@@ -300,6 +305,15 @@ TEST(BarChartLayout, MarginWidthFollowsTheOldLeftEdgeAndGettersHaveSideEffects) 
     EXPECT_EQ(c.chart.BackColor(), 0);
     EXPECT_EQ(c.chart.BarColor(), kBar);
     EXPECT_EQ(c.chart.property("BackColor").toInt(), kWhite);
+
+    // Nothing to draw on: no picture, no failure.
+    Chart empty(0, 0);
+    empty.chart.Init(30, 10.0F, trv5::ctMultiVerticalBars, 3, 0.2F);
+    empty.chart.SetLongData(Counts(30));
+    empty.chart.Redraw();
+    empty.chart.CopyChart();
+    EXPECT_EQ(empty.TipAt(0, 0), QString());
+    EXPECT_TRUE(empty.pic->Raster().isNull());
 
     c.chart.SetDataPointName(QStringLiteral("Uses: "));
     c.chart.Reset();
