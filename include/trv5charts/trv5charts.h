@@ -8,6 +8,7 @@
 #include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
 #include <trv5charts/colorconverter.h>
+#include <trv5charts/curvefitting.h>
 #include <trv5charts/hostedchartframe.h>
 #include <trv5charts/hostsettings.h>
 #include <trv5charts/idisposable.h>
