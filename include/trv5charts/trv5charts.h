@@ -7,6 +7,7 @@
 #include <trv5charts/barchart.h>
 #include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
+#include <trv5charts/clscatterplot.h>
 #include <trv5charts/colorconverter.h>
 #include <trv5charts/curvefitting.h>
 #include <trv5charts/hostedchartframe.h>
@@ -20,6 +21,7 @@
 #include <trv5charts/rtchart.h>
 #include <trv5charts/scatterplot.h>
 #include <trv5charts/series.h>
+#include <trv5charts/stackeddistributionchart.h>
 #include <trv5charts/stringhelpers.h>
 #include <trv5charts/variantconvert.h>
 #include <trv5charts/verticallabel.h>
