@@ -249,10 +249,27 @@ TEST_F(ChartEngineTest, AxesFitTheVisibleDataOrShowTheirFixedRange) {
     engine.Render();
     EXPECT_EQ(engine.AxisY().VisibleMaximum(), 50.0) << "an unusable range changes nothing";
 
+    // A dense cloud is sampled by the plot; a point exactly on the range's bound still shows.
+    std::vector<double> x(40'000);
+    std::vector<double> y(40'000);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        x[i] = static_cast<double>(i % 500);
+        y[i] = static_cast<double>((i * 7919) % 1000) / 2000.0;
+    }
+    y[20'250] = 1.0;
+    engine.Series(0).SetPoints(x, y);
+    engine.AxisX().SetMinValue(0);
+    engine.AxisX().SetMaxValue(499);
+    engine.AxisY().SetMinValue(0);
+    engine.AxisY().SetMaxValue(1);
+    const QImage dense = engine.Render();
+    const QPoint top = engine.PointPosition(0, 20'250).toPoint() + QPoint(0, 1);
+    EXPECT_EQ(dense.pixelColor(top), engine.Series(0).Colour());
+
     EXPECT_CHART_ERROR(engine.AxisX().SetLabelAngle(120), 5);
     EXPECT_CHART_ERROR(engine.Series(0).SetMarkerSize(-1), 5);
     EXPECT_CHART_ERROR(engine.Series(0).SetPoints({1.0}, {}), 5);
-    EXPECT_CHART_ERROR(engine.Series(0).Tooltip(2), 9);
+    EXPECT_CHART_ERROR(engine.Series(0).Tooltip(40'000), 9);
     EXPECT_CHART_ERROR(engine.Title(4), 9);
 }
 

@@ -304,11 +304,11 @@ void ChartAxis::SetLabelAngle(double pDegrees) {
 }
 
 double ChartAxis::VisibleMinimum() const {
-    return (m_horizontal ? m_engine.plot->xAxis : m_engine.plot->yAxis)->range().lower;
+    return (m_horizontal ? m_engine.drawnX : m_engine.drawnY).lower;
 }
 
 double ChartAxis::VisibleMaximum() const {
-    return (m_horizontal ? m_engine.plot->xAxis : m_engine.plot->yAxis)->range().upper;
+    return (m_horizontal ? m_engine.drawnX : m_engine.drawnY).upper;
 }
 
 // ---- ChartEngine ----

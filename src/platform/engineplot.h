@@ -116,6 +116,9 @@ struct EngineState {
     std::function<QString(double)> numberFormat;
     PointLabelLayer* labels = nullptr;
     QMetaObject::Connection syncConnection;
+    // The ranges the last frame showed, without the hair of slack added for the plot.
+    QCPRange drawnX{0.0, 5.0};
+    QCPRange drawnY{0.0, 5.0};
     bool layoutDirty = true;
     bool syncing = false;
 };
