@@ -58,7 +58,7 @@ TEST_F(StackedDistributionTest, RecordsSitAtTheSameHeightInTwoSeparateBands) {
     EXPECT_EQ(chart.EndAt(), 4);
     EXPECT_FALSE(Engine().AxisY().AutoRange());
     EXPECT_EQ(Engine().AxisY().MinValue(), -2.0);
-    EXPECT_EQ(Engine().AxisY().MaxValue(), 102.0);
+    EXPECT_EQ(Engine().AxisY().MaxValue(), 115.0);
     EXPECT_EQ(Engine().BackgroundColour(), QColor(255, 251, 242));
 
     // Many heights: the lower band is [0, 45), the upper one exactly 55 above it.
@@ -110,7 +110,8 @@ TEST_F(StackedDistributionTest, TargetOnlyDrawsItsOwnHeightsAndKeepsThem) {
     EXPECT_EQ(Engine().Series(kModel).PointCount(), 0);
     ASSERT_EQ(Engine().Series(kTarget).PointCount(), 4);
     EXPECT_EQ(Engine().Series(kTarget).Tooltip(2), QStringLiteral("Target, Point 13 (1)"));
-    EXPECT_EQ(Engine().AxisY().MaxValue(), 47.0);
+    EXPECT_EQ(Engine().AxisY().MaxValue(), 55.0);
+    EXPECT_FALSE(Engine().Series(kModel).ShowInLegend());
     const std::vector<double> heights = chart.LowerBand();
     ASSERT_EQ(heights.size(), 4U);
     EXPECT_EQ(Engine().Series(kTarget).Value(3), heights[3]);

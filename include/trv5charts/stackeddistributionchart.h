@@ -22,9 +22,10 @@ class RandomValues;
 // and their overlap can be judged. In target-only mode only the lower band is drawn.
 //
 // Engine content: series 0 the model points, series 1 the target points; title 0 the main title
-// (or "Unable to draw the chart"), title 1 the subtitle, title 2 the horizontal caption. The
-// vertical axis is fixed at -2 to 102 (-2 to 47 in target-only mode) so that both bands and their
-// markers show whole.
+// (or "Unable to draw the chart"), title 1 the subtitle, title 2 the horizontal caption. SetData
+// fixes the vertical axis at -2 to 115 (-2 to 55 in target-only mode, where the model series also
+// leaves the legend), so that the bands' markers show whole and the legend in the top corner
+// covers none of them.
 class StackedDistributionChart : public HostedChartFrame {
     Q_OBJECT
     Q_PROPERTY(bool TargetOnly READ TargetOnly WRITE SetTargetOnly)

@@ -21,7 +21,8 @@ constexpr int kTypeCount = 4;
 constexpr int kSubtitle = 1;
 constexpr int kHorizontalCaption = 2;
 constexpr double kJitterOffset = 0.05;
-// The cut-off line spans the whole band of the dummy variable, [0.05, 1.05), and a little more.
+// The cut-off line spans a fixed vertical range from end to end; on an automatic one it spans
+// the dummy variable's band, [0.05, 1.05), and a little more.
 constexpr double kCutoffBottom = 0.0;
 constexpr double kCutoffTop = 1.1;
 
@@ -293,8 +294,10 @@ void CLScatterPlot::DrawCutoff(double pArgument) {
     if (m_types.empty() || !std::isfinite(pArgument)) {
         return;
     }
-    cutoff->AddPoint(pArgument, kCutoffBottom);
-    cutoff->AddPoint(pArgument, kCutoffTop);
+    const platform::ChartAxis& vertical = Engine().AxisY();
+    const bool fixed = !vertical.AutoRange() && vertical.MinValue() < vertical.MaxValue();
+    cutoff->AddPoint(pArgument, fixed ? vertical.MinValue() : kCutoffBottom);
+    cutoff->AddPoint(pArgument, fixed ? vertical.MaxValue() : kCutoffTop);
 }
 
 QString CLScatterPlot::DataText(const char* pHeader) const {

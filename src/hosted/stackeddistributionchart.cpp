@@ -29,10 +29,11 @@ constexpr int kHorizontalCaption = 2;
 // two distributions apart.
 constexpr double kBandHeight = 45.0;
 constexpr double kBandOffset = 55.0;
-// The vertical axis shows the bands with room for half a marker beyond their ends.
-constexpr double kAxisPadding = 2.0;
-constexpr double kBothBandsTop = 100.0;
-constexpr double kTargetBandTop = 45.0;
+// The vertical axis shows the bands with room for half a marker below them and, above them, for
+// the legend in the plot's top corner.
+constexpr double kAxisBottom = -2.0;
+constexpr double kBothBandsAxisTop = 115.0;
+constexpr double kTargetBandAxisTop = 55.0;
 
 const QString kNormalizedSuffix = QStringLiteral(" (normalized)");
 const QString kUnableToDraw = QStringLiteral("Unable to draw the chart");
@@ -155,8 +156,10 @@ void StackedDistributionChart::SetData(std::int32_t pCount, std::span<const doub
     engine.Title(kSubtitle).SetText(QStringLiteral("Points %1 to %2").arg(m_startAt).arg(m_endAt));
     platform::ChartAxis& vertical = engine.AxisY();
     vertical.SetAutoRange(false);
-    vertical.SetMinValue(-kAxisPadding);
-    vertical.SetMaxValue((m_targetOnly ? kTargetBandTop : kBothBandsTop) + kAxisPadding);
+    vertical.SetMinValue(kAxisBottom);
+    vertical.SetMaxValue(m_targetOnly ? kTargetBandAxisTop : kBothBandsAxisTop);
+    // An empty model series has no place in the legend.
+    engine.Series(kModelSeries).SetShowInLegend(!m_targetOnly);
     ChartsHelper::ApplyLabelAngle(engine, prepared.minimum, prepared.maximum);
     LayoutEngine();
 }
