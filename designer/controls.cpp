@@ -20,6 +20,14 @@ const ControlInfo kControls[] = {
                           "ROC chart: a classifier's ROC curve with its AUC figures"),
     TRV5_DESIGNER_CONTROL(VerticalLabel, "verticallabel.h", kGroup,
                           "Vertical caption: one line of text read from bottom to top"),
+    TRV5_DESIGNER_CONTROL(ScatterPlot, "scatterplot.h", kGroup,
+                          "Scatter plot: one value against another with the regression line"),
+    TRV5_DESIGNER_CONTROL(CurveFitting, "curvefitting.h", kGroup,
+                          "Curve fitting: model output and target by record, with a cut-off"),
+    TRV5_DESIGNER_CONTROL(CLScatterPlot, "clscatterplot.h", kGroup,
+                          "Classification scatter: records by model output and outcome type"),
+    TRV5_DESIGNER_CONTROL(StackedDistributionChart, "stackeddistributionchart.h", kGroup,
+                          "Stacked distributions: target values below, model outputs above"),
 };
 
 } // namespace
