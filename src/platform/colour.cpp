@@ -7,6 +7,8 @@ namespace trv5::platform {
 
 namespace {
 
+constexpr std::uint32_t kGreyText = 17;
+
 QPalette::ColorRole RoleOfSystemColour(std::uint32_t pIndex) {
     switch (pIndex) {
     case 5: // window background
@@ -40,7 +42,12 @@ QPalette::ColorRole RoleOfSystemColour(std::uint32_t pIndex) {
 QColor ToQColor(std::int32_t pColour) {
     const auto bits = static_cast<std::uint32_t>(pColour);
     if ((bits & 0x80000000U) != 0U) {
-        return QApplication::palette().color(RoleOfSystemColour(bits & 0xFFU));
+        const std::uint32_t index = bits & 0xFFU;
+        // Grey text is the colour of disabled text, which a palette keeps in its disabled group.
+        if (index == kGreyText) {
+            return QApplication::palette().color(QPalette::Disabled, QPalette::Text);
+        }
+        return QApplication::palette().color(RoleOfSystemColour(index));
     }
     return QColor(static_cast<int>(bits & 0xFFU), static_cast<int>((bits >> 8) & 0xFFU),
                   static_cast<int>((bits >> 16) & 0xFFU));
