@@ -119,7 +119,7 @@ private:
     Scan ScanRecords(std::int32_t pCount, std::span<const std::int32_t> pTypes,
                      std::span<const double> pModelValues,
                      std::span<const std::int32_t> pRecordIds);
-    void PlotTypes(bool pNormalized, double pMinimum, double pMaximum);
+    void PlotTypes(const Scan& pScan, bool pNormalized, double pMinimum, double pMaximum);
     void DrawCutoff(double pArgument);
     void ApplyMarkers();
     QString DataText(const char* pHeader) const;

@@ -212,7 +212,7 @@ void CLScatterPlot::SetData(std::int32_t pCount, std::span<const std::int32_t> p
     // The rows of the data text keep the dummy variable of their points, whatever the host
     // draws next.
     m_plottedJitter = m_jitter;
-    PlotTypes(normalized, minimum, maximum);
+    PlotTypes(scan, normalized, minimum, maximum);
     DrawCutoff(normalized ? m_roundingThreshold : cutoff);
 
     if (scan.count == 0) {
@@ -236,12 +236,10 @@ void CLScatterPlot::SetData(std::int32_t pCount, std::span<const std::int32_t> p
     LayoutEngine();
 }
 
-void CLScatterPlot::PlotTypes(bool pNormalized, double pMinimum, double pMaximum) {
+void CLScatterPlot::PlotTypes(const Scan& pScan, bool pNormalized, double pMinimum,
+                              double pMaximum) {
     const std::size_t count = m_types.size();
-    std::array<std::size_t, kTypeCount> perType{};
-    for (const std::int32_t type : m_types) {
-        ++perType[static_cast<std::size_t>(type)];
-    }
+    const std::array<std::size_t, kTypeCount>& perType = pScan.perType;
     struct Points {
         std::vector<double> arguments;
         std::vector<double> values;
