@@ -232,7 +232,8 @@ Dataset Dataset::FromFile(const QString& pPath, const DatasetOptions& pOptions) 
 }
 
 Dataset Dataset::BuiltInWdbc() {
-    InitGalleryDataResource();
+    static const bool registered = (InitGalleryDataResource(), true);
+    Q_UNUSED(registered);
     return FromFile(BuiltInWdbcPath(),
                     DatasetOptions{QStringLiteral("diagnosis"), QStringLiteral("malignant")});
 }

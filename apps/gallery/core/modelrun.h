@@ -37,7 +37,8 @@ class ModelRun : public QObject {
     Q_OBJECT
 public:
     explicit ModelRun(QObject* pParent = nullptr);
-    // Stops a run in progress and waits for its worker.
+    // Stops a run in progress and waits for its worker. Not from a slot connected directly to
+    // one of its signals (that runs on the worker itself): use deleteLater there.
     ~ModelRun() override;
     ModelRun(const ModelRun&) = delete;
     ModelRun& operator=(const ModelRun&) = delete;
