@@ -7,9 +7,11 @@
 
 #include "testsupport.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QPrinter>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <limits>
 #include <memory>
@@ -248,6 +250,18 @@ TEST_F(ScatterPlotTest, InitAndPrintGoThroughHostFilesAndPrinters) {
     QFile printed(printer.outputFileName());
     ASSERT_TRUE(printed.open(QIODevice::ReadOnly));
     EXPECT_TRUE(printed.readAll().startsWith("%PDF"));
+
+    // The preview is modal; it has rendered its page by the time the event loop runs.
+    QString preview;
+    QTimer::singleShot(0, [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (dialog != nullptr) {
+            preview = dialog->objectName();
+            dialog->close();
+        }
+    });
+    chart.PrintPreview();
+    EXPECT_EQ(preview, QStringLiteral("dlgPrintPreview"));
 
     chart.SetPrintDialog(std::make_shared<PdfDialog>(QString()));
     chart.PrintChart();
