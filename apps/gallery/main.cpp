@@ -1,0 +1,89 @@
+// The gallery: every chart of TRV5Charts on a real modelling run. Interactive by default;
+// --output DIR writes every chart's picture, data and state without a user, --screenshot FILE a
+// picture of the window after a run.
+#include "ui/gallerywindow.h"
+#include "ui/headless.h"
+
+#include <trv5charts/hostsettings.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTextStream>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+// The gallery's host settings: the charts' axis margin.
+class GallerySettings final : public trv5::IConfig {
+public:
+    QVariantMap Settings() const override {
+        return {{QStringLiteral("Run.CurveFitting.Margin"), QStringLiteral("0.05")}};
+    }
+};
+
+bool HasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+bool WantsBatchMode(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        if (std::strncmp(argv[i], "--output", 8) == 0 ||
+            std::strncmp(argv[i], "--screenshot", 12) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const bool batch = WantsBatchMode(argc, argv);
+    // The platform must be chosen before the application object exists.
+    if (batch && !HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    if (!batch && !HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        QTextStream(stderr) << "trv5_gallery: no display; run with --output DIR to write the "
+                               "charts into a directory instead\n";
+        return 2;
+    }
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("trv5_gallery"));
+    QApplication::setApplicationDisplayName(QStringLiteral("TRV5Charts Gallery"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Shows every TRV5Charts chart on a classifier trained on a real data set."));
+    parser.addHelpOption();
+    const QCommandLineOption outputOption(
+        QStringLiteral("output"),
+        QStringLiteral("Run without a user and write every chart's PNG, data and state into DIR."),
+        QStringLiteral("DIR"));
+    const QCommandLineOption screenshotOption(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Run, then save a picture of the window into FILE and exit."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption pageOption(QStringLiteral("page"),
+                                        QStringLiteral("The page shown in the screenshot (0-2)."),
+                                        QStringLiteral("N"), QStringLiteral("0"));
+    parser.addOption(outputOption);
+    parser.addOption(screenshotOption);
+    parser.addOption(pageOption);
+    parser.process(app);
+
+    trv5::Globals::StoreConfig(std::make_shared<GallerySettings>());
+    trv5::gallery::GalleryWindow window;
+    if (parser.isSet(outputOption)) {
+        return trv5::gallery::headless::ExportAll(window, parser.value(outputOption));
+    }
+    if (parser.isSet(screenshotOption)) {
+        return trv5::gallery::headless::Screenshot(window, parser.value(screenshotOption),
+                                                   parser.value(pageOption).toInt());
+    }
+    window.show();
+    return QApplication::exec();
+}

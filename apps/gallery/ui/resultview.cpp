@@ -1,0 +1,136 @@
+#include "ui/resultview.h"
+
+#include "core/gallerycore.h"
+#include "ui/chartboard.h"
+#include "ui/gallerystyle.h"
+
+#include <trv5charts/barchart.h>
+#include <trv5charts/clscatterplot.h>
+#include <trv5charts/curvefitting.h>
+#include <trv5charts/rocchart.h>
+#include <trv5charts/rtchart.h>
+#include <trv5charts/scatterplot.h>
+#include <trv5charts/stackeddistributionchart.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace trv5::gallery::resultview {
+
+namespace {
+
+void ShowGauge(BarChart& pGauge, const ConfusionCounts& pCounts) {
+    pGauge.Init(1, 100.0F, ctSingleHorizontal, BarChart::kLongValues, 0.0F);
+    pGauge.SetLongHValue(static_cast<std::int32_t>(std::lround(pCounts.Accuracy() * 100.0)));
+}
+
+void ShowUsage(BarChart& pChart, const Results& pResults) {
+    const auto usage = pResults.VariableUsage();
+    if (usage.empty()) {
+        pChart.Clear();
+        return;
+    }
+    // The top of the scale is the largest share rounded up to the next 5 %, so the tallest bar
+    // nearly fills the chart whatever the model.
+    const double largest = *std::max_element(usage.begin(), usage.end());
+    const double top = std::clamp(std::ceil(largest / 5.0) * 5.0, 5.0, 100.0);
+    pChart.Init(static_cast<std::int32_t>(usage.size()), static_cast<float>(top),
+                ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
+    pChart.SetDoubleData(usage);
+    pChart.Redraw();
+}
+
+} // namespace
+
+double TargetFitness(const RunSettings& pSettings) {
+    return pSettings.Fitness == fmAccuracy ? 0.97 : 0.98;
+}
+
+void PrepareProgress(RTChart& pChart, const RunSettings& pSettings) {
+    // A model that says 0.5 for every record already scores 0.75 under 1 - Brier, while its
+    // accuracy is the share of one class; the axis starts below where the runs start.
+    const double bottom = pSettings.Fitness == fmAccuracy ? 0.3 : 0.7;
+    auto axis = std::make_shared<Axis>();
+    axis->Init(bottom, 1.0, false);
+    axis->SetName(pSettings.Fitness == fmAccuracy ? QStringLiteral("Accuracy")
+                                                  : QStringLiteral("Fitness (1 - Brier score)"));
+    pChart.SetMainYAxis(axis);
+
+    const struct {
+        const char* name;
+        std::int32_t colour;
+    } lines[] = {{"Best fitness", style::kBest},
+                 {"Average fitness", style::kAverage},
+                 {"Validation fitness", style::kValidation}};
+    for (const auto& line : lines) {
+        const std::int32_t index = pChart.AddSeries(nullptr, false, QString::fromLatin1(line.name));
+        const auto series = pChart.GetSeries(index);
+        series->Init(pSettings.Generations, bottom, 1.0, DripFeed, false);
+        series->SetColour(line.colour);
+    }
+    const double target = TargetFitness(pSettings);
+    pChart.AddHorizontalLine(target, QStringLiteral("Target %1").arg(target),
+                             QStringLiteral("Show &Target Line"));
+    pChart.Refresh();
+}
+
+void AddGeneration(RTChart& pChart, int pGeneration, double pBest, double pAverage,
+                   double pValidation) {
+    pChart.AddPoint(0, pBest);
+    pChart.AddPoint(1, pAverage);
+    pChart.AddPoint(2, pValidation);
+    pChart.SetLastGenerationForCopy(pGeneration);
+    pChart.Refresh();
+}
+
+void ShowResults(ChartBoard& pBoard, const Results& pResults) {
+    const std::int32_t count = pResults.RecordCount();
+    const auto outputs = pResults.Outputs();
+    const auto targets = pResults.Targets();
+    const auto ids = pResults.RecordIds();
+
+    ShowUsage(pBoard.Usage(), pResults);
+
+    ROCChart& roc = pBoard.Roc();
+    roc.SetDataSource(pResults.Roc().FPRates, pResults.Roc().TPRates);
+    roc.SetAUC(pResults.AUC());
+    roc.Refresh();
+
+    ScatterPlot& scatter = pBoard.Scatter();
+    scatter.SetData(count, outputs, targets, ids);
+    scatter.ShowLinearRegression(true);
+    scatter.ShowRegressionEquation(true);
+
+    CurveFitting& curve = pBoard.Curve();
+    curve.SetData1(count, outputs, targets, ids);
+    curve.ShowThreshold();
+
+    // The random heights repeat with the run's seed, so a run and its pictures repeat too.
+    const auto seed = pResults.Settings().Seed;
+    pBoard.Classes().SetFixedRandomSeed(seed);
+    pBoard.Classes().CreateRandomValues(count);
+    StackedDistributionChart& stacked = pBoard.Stacked();
+    stacked.SetFixedRandomSeed(seed);
+    stacked.CreateRandomValues(count);
+    stacked.SetData(count, outputs, targets, ids);
+
+    ShowThreshold(pBoard, pResults);
+}
+
+void ShowThreshold(ChartBoard& pBoard, const Results& pResults) {
+    CurveFitting& curve = pBoard.Curve();
+    curve.SetThreshold(pResults.Threshold());
+    curve.DrawMisclassifications(CurveFitting::kMarkModel);
+
+    // The classification scatter plot rewrites its threshold on every SetData.
+    CLScatterPlot& classes = pBoard.Classes();
+    classes.SetRoundingThreshold(pResults.Threshold());
+    classes.SetData(pResults.RecordCount(), pResults.OutcomeTypes(), pResults.Outputs(),
+                    pResults.RecordIds());
+
+    ShowGauge(pBoard.TrainingGauge(), pResults.TrainingConfusion());
+    ShowGauge(pBoard.ValidationGauge(), pResults.ValidationConfusion());
+}
+
+} // namespace trv5::gallery::resultview
