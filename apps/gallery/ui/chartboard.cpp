@@ -15,6 +15,8 @@
 #include <QLayout>
 #include <QWidget>
 
+#include <vector>
+
 namespace trv5::gallery {
 
 namespace {
@@ -195,6 +197,20 @@ void ChartBoard::RestoreStates(const std::map<QString, QString>& pFragments) {
         pChart = pFresh;
         Replace(old, pFresh, pFresh->objectName());
         pFresh->FromString(fragment(pFresh->objectName()));
+        // A bar chart writes restored values out again only once the host hands them in, so
+        // the values read are handed back: a project saved after opening keeps its bars.
+        if (pFresh->ChartType() == ctMultiVerticalBars) {
+            if (pFresh->ValuesType() == BarChart::kDoubleValues && !pFresh->DoubleData().empty()) {
+                const std::vector<double> values(pFresh->DoubleData().begin(),
+                                                 pFresh->DoubleData().end());
+                pFresh->SetDoubleData(values);
+            } else if (pFresh->ValuesType() == BarChart::kLongValues &&
+                       !pFresh->LongData().empty()) {
+                const std::vector<std::int32_t> values(pFresh->LongData().begin(),
+                                                       pFresh->LongData().end());
+                pFresh->SetLongData(values);
+            }
+        }
         pFresh->Redraw();
     };
     renewBar(m_usage, MakeUsage(m_usage->parentWidget()));

@@ -3,9 +3,9 @@
 #include "core/galleryerror.h"
 #include "ui/chartboard.h"
 #include "ui/chartcommands.h"
+#include "ui/projectstate.h"
 
 #include <trv5charts/capture.h>
-#include <trv5charts/isimpleserializable.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -55,7 +55,7 @@ void ExportCharts(const std::vector<ChartEntry>& pCharts, const QString& pDirect
         }
         WriteText(base + QStringLiteral(".txt"), chartcommands::DataText(chart));
         if (chart.state != nullptr) {
-            WriteText(base + QStringLiteral(".xml"), chart.state->ToString());
+            WriteText(base + QStringLiteral(".xml"), projectstate::ChartState(chart));
         }
     }
 }

@@ -139,7 +139,8 @@ void GalleryWindow::BuildPages() {
     classLayout->addWidget(Card(QStringLiteral("Outcomes by model output"), &board.Classes()), 0,
                            1);
     classLayout->addWidget(
-        Card(QStringLiteral("Model output and target by record"), &board.Curve()), 1, 0, 1, 2);
+        Card(QStringLiteral("Model output and target, records ordered by output"), &board.Curve()),
+        1, 0, 1, 2);
     classLayout->setColumnStretch(0, 2);
     classLayout->setColumnStretch(1, 3);
     m_pages->addTab(classPage, QStringLiteral("Classification"));

@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <numeric>
+#include <vector>
 
 namespace trv5::gallery::resultview {
 
@@ -39,6 +41,33 @@ void ShowUsage(BarChart& pChart, const Results& pResults) {
                 ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
     pChart.SetDoubleData(usage);
     pChart.Redraw();
+}
+
+// The records in the order of their output (ties by data set order): the model's line becomes
+// an S-curve, the target's a step, and the records on the wrong side of the cut-off stand out.
+// In data set order the two classes alternate and both lines fill the plot.
+struct ByOutput {
+    std::vector<double> outputs;
+    std::vector<double> targets;
+    std::vector<std::int32_t> ids;
+};
+
+ByOutput OrderedByOutput(const Results& pResults) {
+    const auto outputs = pResults.Outputs();
+    std::vector<std::size_t> order(outputs.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return outputs[a] < outputs[b]; });
+    ByOutput ordered;
+    ordered.outputs.reserve(order.size());
+    ordered.targets.reserve(order.size());
+    ordered.ids.reserve(order.size());
+    for (const std::size_t record : order) {
+        ordered.outputs.push_back(outputs[record]);
+        ordered.targets.push_back(pResults.Targets()[record]);
+        ordered.ids.push_back(pResults.RecordIds()[record]);
+    }
+    return ordered;
 }
 
 } // namespace
@@ -103,7 +132,8 @@ void ShowResults(ChartBoard& pBoard, const Results& pResults) {
     scatter.ShowRegressionEquation(true);
 
     CurveFitting& curve = pBoard.Curve();
-    curve.SetData1(count, outputs, targets, ids);
+    const ByOutput ordered = OrderedByOutput(pResults);
+    curve.SetData1(count, ordered.outputs, ordered.targets, ordered.ids);
     curve.ShowThreshold();
 
     // The random heights repeat with the run's seed, so a run and its pictures repeat too.

@@ -1,0 +1,239 @@
+// The gallery host: its headless mode as a user runs it (a separate process without a display),
+// the project round trip, the threshold wiring and the charts' context menus in the window.
+#include "core/gallerycore.h"
+#include "ui/chartboard.h"
+#include "ui/controlpanel.h"
+#include "ui/gallerywindow.h"
+#include "ui/headless.h"
+#include "ui/runsession.h"
+
+#include <trv5charts/barchart.h>
+#include <trv5charts/clscatterplot.h>
+#include <trv5charts/hostsettings.h>
+#include <trv5charts/rtchart.h>
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDoubleSpinBox>
+#include <QEventLoop>
+#include <QFile>
+#include <QImage>
+#include <QMenu>
+#include <QProcess>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+using trv5::gallery::ChartEntry;
+using trv5::gallery::GalleryWindow;
+
+class Margin final : public trv5::IConfig {
+public:
+    QVariantMap Settings() const override {
+        return {{QStringLiteral("Run.CurveFitting.Margin"), QStringLiteral("0.05")}};
+    }
+};
+
+QByteArray ReadAll(const QString& pPath) {
+    QFile file(pPath);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Runs the window's model flat out and waits for the result charts.
+void RunToEnd(GalleryWindow& pWindow) {
+    auto settings = pWindow.Panel().Settings();
+    settings.PaceMilliseconds = 0;
+    pWindow.Panel().SetSettings(settings);
+    QEventLoop loop;
+    bool finished = false;
+    QObject::connect(&pWindow.Session(), &trv5::gallery::RunSession::finished, &loop, [&] {
+        finished = true;
+        loop.quit();
+    });
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+    pWindow.StartRun();
+    loop.exec();
+    ASSERT_TRUE(finished);
+    ASSERT_TRUE(pWindow.Session().LastResults().has_value());
+}
+
+// The program run as a user runs it: no display and no platform chosen, so it must pick the
+// offscreen platform itself.
+QProcess::ExitStatus RunGallery(const QStringList& pArguments, int& pExitCode, QString& pErrors) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(TRV5_GALLERY_EXE), pArguments);
+    process.waitForFinished(120000);
+    pExitCode = process.exitCode();
+    pErrors = QString::fromLocal8Bit(process.readAllStandardError());
+    return process.exitStatus();
+}
+
+std::size_t DistinctColours(const QImage& pImage) {
+    QSet<QRgb> colours;
+    for (int y = 0; y < pImage.height(); y += 2) {
+        for (int x = 0; x < pImage.width(); x += 2) {
+            colours.insert(pImage.pixel(x, y));
+        }
+    }
+    return static_cast<std::size_t>(colours.size());
+}
+
+TEST(Gallery, HeadlessModeWritesEveryChartsPictureDataAndState) {
+    QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    int exitCode = -1;
+    QString errors;
+    ASSERT_EQ(RunGallery({QStringLiteral("--output"), directory.path()}, exitCode, errors),
+              QProcess::NormalExit);
+    ASSERT_EQ(exitCode, 0) << errors.toStdString();
+
+    // The names and sizes come from the window's own chart list.
+    GalleryWindow window;
+    const std::vector<ChartEntry> charts = window.Board().Entries();
+    ASSERT_EQ(charts.size(), 9U);
+    const QMap<QString, QString> headers = {
+        {QStringLiteral("progress"),
+         QStringLiteral("Generation\tBest fitness\tAverage fitness\tValidation fitness")},
+        {QStringLiteral("usage"), QStringLiteral("Share of weights (%)")},
+        {QStringLiteral("trainingAccuracy"), QStringLiteral("Accuracy (%)")},
+        {QStringLiteral("validationAccuracy"), QStringLiteral("Accuracy (%)")},
+        {QStringLiteral("roc"), QStringLiteral("FP Rate(1-Specificity)\tTP Rate (Sensitivity)")},
+        {QStringLiteral("curvefitting"),
+         QStringLiteral("Target\tModel output\tThreshold\tMisclassifications")},
+        {QStringLiteral("clscatter"), QStringLiteral("Record ID\tModel\tDummy Variable\tType")},
+        {QStringLiteral("scatter"), QStringLiteral("Record ID\tModel output\tTarget")},
+        {QStringLiteral("stacked"), QStringLiteral("Record ID\tDummyVar\tTarget")}};
+    for (const ChartEntry& chart : charts) {
+        SCOPED_TRACE(chart.name.toStdString());
+        const QString base = directory.filePath(chart.name);
+        const QImage picture(base + QStringLiteral(".png"));
+        ASSERT_FALSE(picture.isNull());
+        EXPECT_EQ(picture.size(), chart.exportSize);
+        // A blank or single-colour picture means the chart drew nothing.
+        EXPECT_GE(DistinctColours(picture), 3U);
+
+        const QString text = QString::fromUtf8(ReadAll(base + QStringLiteral(".txt")));
+        EXPECT_EQ(text.section(QStringLiteral("\r\n"), 0, 0), headers.value(chart.name));
+        EXPECT_GE(text.count(QStringLiteral("\r\n")), 1);
+
+        const QString state = QString::fromUtf8(ReadAll(base + QStringLiteral(".xml")));
+        if (chart.state == nullptr) {
+            EXPECT_FALSE(QFile::exists(base + QStringLiteral(".xml")));
+            continue;
+        }
+        EXPECT_TRUE(chart.state->IsTypeOf(state));
+    }
+    // The run progress chart's state holds the whole run: a fresh chart reads it back to the
+    // same data text.
+    trv5::RTChart restored;
+    restored.FromString(QString::fromUtf8(ReadAll(directory.filePath("progress.xml"))));
+    EXPECT_EQ(restored.GetChartDataAsString(),
+              QString::fromUtf8(ReadAll(directory.filePath("progress.txt"))));
+    EXPECT_EQ(restored.LastGenerationForCopy(), 250);
+
+    const auto project = trv5::gallery::ProjectFile::Load(
+        directory.filePath(QString::fromLatin1(trv5::gallery::headless::kProjectFileName)));
+    EXPECT_EQ(project.Settings().PaceMilliseconds, 0);
+    EXPECT_EQ(project.Charts().size(), 4U);
+    EXPECT_EQ(project.Chart(QStringLiteral("usage")),
+              QString::fromUtf8(ReadAll(directory.filePath("usage.xml"))));
+
+    // A directory that cannot be made fails with a message.
+    const QString blocked = directory.filePath("usage.txt") + QStringLiteral("/charts");
+    ASSERT_EQ(RunGallery({QStringLiteral("--output"), blocked}, exitCode, errors),
+              QProcess::NormalExit);
+    EXPECT_NE(exitCode, 0);
+    EXPECT_TRUE(errors.contains(blocked)) << errors.toStdString();
+}
+
+TEST(Gallery, SavingAnOpenedProjectWritesTheSameBytes) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    QTemporaryDir directory;
+    const QString first = directory.filePath("first.trv5gallery");
+    const QString second = directory.filePath("second.trv5gallery");
+    QString progressData;
+    {
+        GalleryWindow window;
+        RunToEnd(window);
+        window.SaveProject(first);
+        progressData = window.Board().Progress().GetChartDataAsString();
+    }
+    GalleryWindow reopened;
+    reopened.OpenProject(first);
+    reopened.SaveProject(second);
+    EXPECT_EQ(ReadAll(second), ReadAll(first));
+    // The charts were really restored, not passed through.
+    EXPECT_EQ(reopened.Board().Progress().GetChartDataAsString(), progressData);
+    EXPECT_EQ(reopened.Board().Usage().DoubleData().size(), 30U);
+    EXPECT_EQ(reopened.Board().ValidationGauge().ChartType(), trv5::ctSingleHorizontal);
+
+    // A damaged project changes nothing and says where it is damaged.
+    QFile damaged(directory.filePath("damaged.trv5gallery"));
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+    damaged.write("{\"format\": ");
+    damaged.close();
+    try {
+        reopened.OpenProject(damaged.fileName());
+        ADD_FAILURE() << "a damaged project opened";
+    } catch (const trv5::gallery::GalleryError& error) {
+        EXPECT_TRUE(error.Text().startsWith(damaged.fileName())) << error.what();
+    }
+    reopened.SaveProject(second);
+    EXPECT_EQ(ReadAll(second), ReadAll(first));
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, ThresholdMovesTheOutcomesAndChartsFollow) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    GalleryWindow window;
+    RunToEnd(window);
+    const auto& results = window.Session().LastResults();
+    auto* threshold = window.Panel().findChild<QDoubleSpinBox*>(QStringLiteral("spnThreshold"));
+    ASSERT_NE(threshold, nullptr);
+
+    // At 0 every record is called positive: no negatives anywhere.
+    threshold->setValue(0.0);
+    EXPECT_EQ(results->Threshold(), 0.0);
+    EXPECT_EQ(results->Confusion().TrueNegatives + results->Confusion().FalseNegatives, 0);
+    const QString outcomes = window.Board().Classes().GetChartDataAsString();
+    EXPECT_FALSE(outcomes.contains(QStringLiteral("\tTN\r\n")));
+    EXPECT_EQ(outcomes.count(QStringLiteral("\tFP\r\n")), results->Confusion().FalsePositives);
+    EXPECT_EQ(window.Board().Classes().RoundingThreshold(), 0.0);
+
+    threshold->setValue(0.5);
+    EXPECT_GT(results->Confusion().TrueNegatives, 300);
+    EXPECT_EQ(window.Board().Classes().GetChartDataAsString().count(QStringLiteral("\tTN\r\n")),
+              results->Confusion().TrueNegatives);
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, EveryChartOpensItsContextMenuFromTheKeyboard) {
+    GalleryWindow window;
+    window.show();
+    for (const ChartEntry& chart : window.Board().Entries()) {
+        SCOPED_TRACE(chart.name.toStdString());
+        window.RevealChart(chart.name);
+        auto* menu =
+            chart.widget->findChild<QMenu*>(QStringLiteral("ctxMain"), Qt::FindDirectChildrenOnly);
+        ASSERT_NE(menu, nullptr);
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5),
+                                chart.widget->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(chart.widget, &event);
+        EXPECT_TRUE(menu->isVisible());
+        menu->hide();
+        EXPECT_EQ(chart.widget->focusPolicy(), Qt::StrongFocus);
+    }
+}
+
+} // namespace
