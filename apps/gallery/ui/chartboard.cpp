@@ -29,13 +29,13 @@ void Prepare(QWidget& pChart, const QString& pName) {
     pChart.setMinimumSize(120, 40);
 }
 
-void PrepareHosted(HostedChartFrame& pChart, const QString& pName) {
+void PrepareHosted(HostedChartFrame& pChart, const QString& pName, bool pLegend = true) {
     Prepare(pChart, pName);
     pChart.Init(QString());
-    pChart.ShowLegend();
+    pLegend ? pChart.ShowLegend() : pChart.HideLegend();
     pChart.ShowAxisTitles();
     pChart.ShowGridlines();
-    new HostedChartMenu(pChart);
+    new HostedChartMenu(pChart, pLegend);
 }
 
 } // namespace
@@ -69,7 +69,8 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
     m_roc->Refresh();
 
     m_scatter = new ScatterPlot(pParent);
-    PrepareHosted(*m_scatter, QString::fromLatin1(chartname::kScatter));
+    // One series of records and the regression line: a legend would say nothing.
+    PrepareHosted(*m_scatter, QString::fromLatin1(chartname::kScatter), false);
     m_scatter->SetDataHeader(QStringLiteral("Record ID\tModel output\tTarget"));
 
     m_curve = new CurveFitting(pParent);

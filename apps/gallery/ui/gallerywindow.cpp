@@ -37,6 +37,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <numeric>
 
@@ -447,9 +448,11 @@ void GalleryWindow::ShowTopVariables() {
                    .arg(names[static_cast<qsizetype>(order[i])],
                         NumberFormat::WithDigits(usage[order[i]], 1));
     }
-    m_topVariables->setText(QStringLiteral("One bar per input variable, in data set order. "
-                                           "Leaned on most: %1.")
-                                .arg(top.join(QStringLiteral(", "))));
+    m_topVariables->setText(
+        QStringLiteral("One bar per input variable, in data set order; the top of the chart is "
+                       "%1 %. Leaned on most: %2.")
+            .arg(QString::number(std::lround(m_board->Usage().MaxValue())),
+                 top.join(QStringLiteral(", "))));
 }
 
 void GalleryWindow::ShowError(const QString& pTitle, const QString& pMessage) {

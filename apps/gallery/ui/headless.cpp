@@ -23,16 +23,18 @@ void Report(const QString& pMessage) {
     QTextStream(stderr) << "trv5_gallery: " << pMessage << '\n';
 }
 
-// Runs the model with the window's settings, flat out, and waits for the charts to be filled.
-// Returns an error message, empty on success.
-QString RunToEnd(GalleryWindow& pWindow) {
+// Runs the model with the window's settings (flat out when pFlatOut) and waits for the charts
+// to be filled. Returns an error message, empty on success.
+QString RunToEnd(GalleryWindow& pWindow, bool pFlatOut) {
     QString failure;
     pWindow.SetErrorSink([&failure](const QString& pTitle, const QString& pMessage) {
         failure = pTitle + QStringLiteral(": ") + pMessage;
     });
-    RunSettings settings = pWindow.Panel().Settings();
-    settings.PaceMilliseconds = 0;
-    pWindow.Panel().SetSettings(settings);
+    if (pFlatOut) {
+        RunSettings settings = pWindow.Panel().Settings();
+        settings.PaceMilliseconds = 0;
+        pWindow.Panel().SetSettings(settings);
+    }
 
     QEventLoop loop;
     QObject::connect(&pWindow.Session(), &RunSession::finished, &loop, &QEventLoop::quit);
@@ -56,7 +58,7 @@ QString RunToEnd(GalleryWindow& pWindow) {
 
 int ExportAll(GalleryWindow& pWindow, const QString& pDirectory) {
     pWindow.show();
-    if (const QString failure = RunToEnd(pWindow); !failure.isEmpty()) {
+    if (const QString failure = RunToEnd(pWindow, true); !failure.isEmpty()) {
         Report(failure);
         return 1;
     }
@@ -78,7 +80,8 @@ int ExportAll(GalleryWindow& pWindow, const QString& pDirectory) {
 
 int Screenshot(GalleryWindow& pWindow, const QString& pFile, int pPage) {
     pWindow.show();
-    if (const QString failure = RunToEnd(pWindow); !failure.isEmpty()) {
+    // At the usual pace, so the window shows the settings a user starts with.
+    if (const QString failure = RunToEnd(pWindow, false); !failure.isEmpty()) {
         Report(failure);
         return 1;
     }

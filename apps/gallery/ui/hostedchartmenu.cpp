@@ -13,10 +13,11 @@ namespace trv5::gallery {
 
 namespace {
 
-QAction* AddSwitch(QMenu& pMenu, const QString& pCaption, const std::function<void(bool)>& pSet) {
+QAction* AddSwitch(QMenu& pMenu, const QString& pCaption, bool pOn,
+                   const std::function<void(bool)>& pSet) {
     QAction* action = pMenu.addAction(pCaption);
     action->setCheckable(true);
-    action->setChecked(true);
+    action->setChecked(pOn);
     QObject::connect(action, &QAction::toggled, &pMenu, pSet);
     return action;
 }
@@ -34,7 +35,7 @@ void Guarded(QWidget* pParent, const std::function<void()>& pCommand) {
 
 } // namespace
 
-HostedChartMenu::HostedChartMenu(HostedChartFrame& pChart)
+HostedChartMenu::HostedChartMenu(HostedChartFrame& pChart, bool pLegendShown)
     : QObject(&pChart), m_chart(pChart), m_menu(new QMenu(&pChart)) {
     m_menu->setObjectName(QStringLiteral("ctxMain"));
     HostedChartFrame* chart = &pChart;
@@ -48,12 +49,11 @@ HostedChartMenu::HostedChartMenu(HostedChartFrame& pChart)
     connect(m_menu->addAction(QStringLiteral("Print Pre&view...")), &QAction::triggered, chart,
             [chart] { Guarded(chart, [chart] { chart->PrintPreview(); }); });
     m_menu->addSeparator();
-    // The gallery shows all three when it creates the chart.
-    AddSwitch(*m_menu, QStringLiteral("&Legend"),
+    AddSwitch(*m_menu, QStringLiteral("&Legend"), pLegendShown,
               [chart](bool pOn) { pOn ? chart->ShowLegend() : chart->HideLegend(); });
-    AddSwitch(*m_menu, QStringLiteral("&Grid Lines"),
+    AddSwitch(*m_menu, QStringLiteral("&Grid Lines"), true,
               [chart](bool pOn) { pOn ? chart->ShowGridlines() : chart->HideGridlines(); });
-    AddSwitch(*m_menu, QStringLiteral("&Axis Titles"),
+    AddSwitch(*m_menu, QStringLiteral("&Axis Titles"), true,
               [chart](bool pOn) { pOn ? chart->ShowAxisTitles() : chart->HideAxisTitles(); });
 
     pChart.setContextMenuPolicy(Qt::CustomContextMenu);

@@ -19,7 +19,9 @@ class HostedChartMenu : public QObject {
     Q_OBJECT
 
 public:
-    explicit HostedChartMenu(HostedChartFrame& pChart);
+    // pLegendShown: whether the chart starts with its legend (grid lines and axis titles are
+    // always shown at first).
+    HostedChartMenu(HostedChartFrame& pChart, bool pLegendShown);
 
     QMenu* Menu() const { return m_menu; }
 
