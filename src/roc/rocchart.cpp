@@ -42,10 +42,9 @@ constexpr int kCurveWidth = 2;
 constexpr int kTitlePixelHeight = 13;
 constexpr double kTickStep = 10.0;
 
-// The legend panel: padding, sample length, gap to the caption, space between rows.
+// The legend panel: padding, sample length, space between rows.
 constexpr int kLegendPadding = 6;
 constexpr int kSampleLength = 24;
-constexpr int kSampleGap = 6;
 constexpr int kLegendRowSpacing = 2;
 constexpr int kMinimumRowHeight = 13;
 
