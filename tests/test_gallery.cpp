@@ -19,6 +19,7 @@
 #include <QFile>
 #include <QImage>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
@@ -218,7 +219,7 @@ TEST(Gallery, ThresholdMovesTheOutcomesAndChartsFollow) {
     trv5::Globals::StoreConfig(nullptr);
 }
 
-TEST(Gallery, EveryChartOpensItsContextMenuFromTheKeyboard) {
+TEST(Gallery, EveryChartOpensItsContextMenuByMouseAndKeyboard) {
     GalleryWindow window;
     window.show();
     for (const ChartEntry& chart : window.Board().Entries()) {
@@ -231,6 +232,21 @@ TEST(Gallery, EveryChartOpensItsContextMenuFromTheKeyboard) {
                                 chart.widget->mapToGlobal(QPoint(5, 5)));
         QApplication::sendEvent(chart.widget, &event);
         EXPECT_TRUE(menu->isVisible());
+        menu->hide();
+
+        // A right click lands on whatever child is under the pointer (the plot, a label) and
+        // must reach the chart's menu from there.
+        const QPoint centre = chart.widget->rect().center();
+        QWidget* target = chart.widget->childAt(centre);
+        ASSERT_NE(target, nullptr);
+        const QPoint local = target->mapFrom(chart.widget, centre);
+        const QPoint global = target->mapToGlobal(local);
+        QMouseEvent press(QEvent::MouseButtonPress, local, global, Qt::RightButton, Qt::RightButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(target, &press);
+        QContextMenuEvent click(QContextMenuEvent::Mouse, local, global);
+        QApplication::sendEvent(target, &click);
+        EXPECT_TRUE(menu->isVisible()) << target->metaObject()->className();
         menu->hide();
         EXPECT_EQ(chart.widget->focusPolicy(), Qt::StrongFocus);
     }

@@ -3,6 +3,7 @@
 #include <trv5charts/hostedchartframe.h>
 
 #include <QAction>
+#include <QCursor>
 #include <QMenu>
 #include <QMessageBox>
 
@@ -12,6 +13,9 @@
 namespace trv5::gallery {
 
 namespace {
+
+// MouseDown's code for the right button.
+constexpr std::int32_t kRightButton = 2;
 
 QAction* AddSwitch(QMenu& pMenu, const QString& pCaption, bool pOn,
                    const std::function<void(bool)>& pSet) {
@@ -56,12 +60,18 @@ HostedChartMenu::HostedChartMenu(HostedChartFrame& pChart, bool pLegendShown)
     AddSwitch(*m_menu, QStringLiteral("&Axis Titles"), true,
               [chart](bool pOn) { pOn ? chart->ShowAxisTitles() : chart->HideAxisTitles(); });
 
+    // The plot inside the frame keeps mouse events to itself, so a right click on it comes as
+    // the chart's MouseDown; the menu key and clicks on the frame's border come as context menu
+    // requests of the frame.
     pChart.setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(&pChart, &QWidget::customContextMenuRequested, this, &HostedChartMenu::Popup);
-}
-
-void HostedChartMenu::Popup(const QPoint& pPosition) {
-    m_menu->popup(m_chart.mapToGlobal(pPosition));
+    connect(&pChart, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& pPosition) { m_menu->popup(m_chart.mapToGlobal(pPosition)); });
+    connect(&pChart, &HostedChartFrame::MouseDown, this,
+            [this](std::int32_t pButton, std::int32_t, std::int16_t, std::int16_t) {
+                if (pButton == kRightButton) {
+                    m_menu->popup(QCursor::pos());
+                }
+            });
 }
 
 } // namespace trv5::gallery

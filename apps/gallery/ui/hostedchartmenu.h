@@ -3,7 +3,6 @@
 #include <QObject>
 
 class QMenu;
-class QPoint;
 
 namespace trv5 {
 class HostedChartFrame;
@@ -26,8 +25,6 @@ public:
     QMenu* Menu() const { return m_menu; }
 
 private:
-    void Popup(const QPoint& pPosition);
-
     HostedChartFrame& m_chart;
     QMenu* m_menu;
 };
