@@ -16,7 +16,10 @@ RunSession::RunSession(ChartBoard& pBoard, QObject* pParent)
       m_dataSource(Dataset::BuiltInWdbcPath()), m_run(new ModelRun(this)) {
     connect(m_run, &ModelRun::generationFinished, this, &RunSession::OnGeneration);
     connect(m_run, &ModelRun::finished, this, &RunSession::OnFinished);
-    connect(m_run, &ModelRun::failed, this, &RunSession::failed);
+    connect(m_run, &ModelRun::failed, this, [this](const QString& pMessage) {
+        m_busy = false;
+        emit failed(pMessage);
+    });
 }
 
 RunSession::~RunSession() = default;
@@ -30,11 +33,15 @@ void RunSession::LoadData(const QString& pSource) {
 }
 
 void RunSession::Start(const RunSettings& pSettings) {
+    if (m_busy) {
+        throw GalleryError(QStringLiteral("run"), QStringLiteral("a run is in progress"));
+    }
     pSettings.Validate();
     ForgetResults();
     m_generations = pSettings.Generations;
     resultview::PrepareProgress(m_board.RenewProgress(), pSettings);
     m_run->Start(m_data, pSettings);
+    m_busy = true;
 }
 
 void RunSession::Stop() {
@@ -42,7 +49,7 @@ void RunSession::Stop() {
 }
 
 bool RunSession::IsRunning() const {
-    return m_run->IsRunning();
+    return m_busy;
 }
 
 void RunSession::ForgetResults() {
@@ -71,6 +78,7 @@ void RunSession::OnGeneration(int pGeneration, double pBest, double pAverage, do
 }
 
 void RunSession::OnFinished(const Results& pResults) {
+    m_busy = false;
     m_results = pResults;
     try {
         resultview::ShowResults(m_board, *m_results);

@@ -36,6 +36,8 @@ public:
     // Starts a run; throws GalleryError for settings or data the run cannot use.
     void Start(const RunSettings& pSettings);
     void Stop();
+    // True from Start until the run's finished or failed signal has been handled (the worker
+    // itself ends a little earlier).
     bool IsRunning() const;
 
     // The results of the last finished run; empty before one finished or after data or a
@@ -60,6 +62,7 @@ private:
     QString m_dataSource;
     ModelRun* m_run;
     int m_generations = 0;
+    bool m_busy = false;
     std::optional<Results> m_results;
 };
 
