@@ -44,8 +44,10 @@ class BarChart : public QWidget, public ISimpleSerializable {
     Q_OBJECT
     Q_PROPERTY(bool ShowCopyPrint READ ShowCopyPrint WRITE SetShowCopyPrint)
     Q_PROPERTY(QString DataPointName READ DataPointName WRITE SetDataPointName)
-    Q_PROPERTY(float HMarginPercent READ HMarginPercent WRITE SetHMarginPercent)
-    Q_PROPERTY(float MaxValue READ MaxValue WRITE SetMaxValue)
+    // Single precision like the chart's state, but published as double: .ui files have no
+    // element for float and would drop the value silently.
+    Q_PROPERTY(double HMarginPercent READ HMarginPercentProperty WRITE SetHMarginPercentProperty)
+    Q_PROPERTY(double MaxValue READ MaxValueProperty WRITE SetMaxValueProperty)
     Q_PROPERTY(int BarColor READ BarColor WRITE SetBarColor)
     Q_PROPERTY(int Columns READ Columns WRITE SetColumns)
     Q_PROPERTY(int RoundedCorner READ StoredRoundedCorner WRITE SetRoundedCorner)
@@ -75,6 +77,11 @@ public:
     // The value that reaches the top edge (vertical bars) or the right end (the gauge).
     float MaxValue() const { return m_maxValue; }
     void SetMaxValue(float pValue) { m_maxValue = pValue; }
+    // The two single-precision properties as Qt sees them.
+    double HMarginPercentProperty() const { return m_hMarginPercent; }
+    void SetHMarginPercentProperty(double pValue);
+    double MaxValueProperty() const { return m_maxValue; }
+    void SetMaxValueProperty(double pValue);
     // 0x00BBGGRR.
     std::int32_t BarColor() const { return m_barColor; }
     void SetBarColor(std::int32_t pValue) { m_barColor = pValue; }

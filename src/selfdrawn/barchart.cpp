@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace trv5 {
 
@@ -53,6 +54,22 @@ DrawingSurface::ScaleMode SurfaceScaleMode(std::int32_t pMode) {
 }
 
 } // namespace
+
+// Qt writes properties from forms and scripts, where an exception has nowhere to go: a value
+// beyond the single range leaves the property as it was.
+void BarChart::SetHMarginPercentProperty(double pValue) {
+    if (std::isfinite(pValue) && std::abs(pValue) > std::numeric_limits<float>::max()) {
+        return;
+    }
+    m_hMarginPercent = barchart::ToSingle(pValue);
+}
+
+void BarChart::SetMaxValueProperty(double pValue) {
+    if (std::isfinite(pValue) && std::abs(pValue) > std::numeric_limits<float>::max()) {
+        return;
+    }
+    m_maxValue = barchart::ToSingle(pValue);
+}
 
 BarChart::BarChart(QWidget* pParent)
     : QWidget(pParent), m_surface(new DrawingSurface(this)), m_pic(new DrawingSurface(this)),
