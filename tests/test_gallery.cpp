@@ -11,17 +11,23 @@
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/hostsettings.h>
 #include <trv5charts/rtchart.h>
+#include <trv5charts/scatterplot.h>
+#include <trv5charts/stackeddistributionchart.h>
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDoubleSpinBox>
 #include <QEventLoop>
 #include <QFile>
 #include <QImage>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QSet>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -250,6 +256,117 @@ TEST(Gallery, EveryChartOpensItsContextMenuByMouseAndKeyboard) {
         menu->hide();
         EXPECT_EQ(chart.widget->focusPolicy(), Qt::StrongFocus);
     }
+}
+
+QAction* ChartMenuAction(GalleryWindow& pWindow, const QString& pText) {
+    auto* menu = pWindow.menuBar()->findChild<QMenu*>(QStringLiteral("mnuChart"));
+    for (QAction* action : menu != nullptr ? menu->actions() : QList<QAction*>{}) {
+        if (action->text() == pText) {
+            return action;
+        }
+    }
+    return nullptr;
+}
+
+TEST(Gallery, ChartMenuActsOnTheChartLastClicked) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    GalleryWindow window;
+    window.show();
+    RunToEnd(window);
+    QAction* copyData = ChartMenuAction(window, QStringLiteral("Copy Chart &Data"));
+    ASSERT_NE(copyData, nullptr);
+
+    window.RevealChart(QStringLiteral("roc"));
+    QWidget* roc = window.Board().Entry(QStringLiteral("roc"))->widget;
+    QWidget* plot = roc->childAt(roc->rect().center());
+    ASSERT_NE(plot, nullptr);
+    const QPoint at = plot->rect().center();
+    QMouseEvent press(QEvent::MouseButtonPress, at, plot->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(plot, &press);
+    EXPECT_EQ(window.CurrentChart(), QStringLiteral("roc"));
+    copyData->trigger();
+    EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("FP Rate")));
+
+    // Another page makes its first chart current.
+    window.findChild<QTabWidget*>(QStringLiteral("tabCharts"))->setCurrentIndex(2);
+    EXPECT_EQ(window.CurrentChart(), QStringLiteral("scatter"));
+    copyData->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              window.Board().Entry(QStringLiteral("scatter"))->hosted->GetChartDataAsString());
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, OwnDataRunsThroughEveryChartAndBadDataChangesNothing) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    QTemporaryDir directory;
+    const QString bad = directory.filePath("bad.csv");
+    QFile badFile(bad);
+    ASSERT_TRUE(badFile.open(QIODevice::WriteOnly));
+    badFile.write("size,age,class\n1.5,30,yes\n2.5,abc,no\n");
+    badFile.close();
+
+    GalleryWindow window;
+    try {
+        window.OpenData(bad);
+        ADD_FAILURE() << "a damaged CSV loaded";
+    } catch (const trv5::gallery::GalleryError& error) {
+        EXPECT_TRUE(error.Text().startsWith(bad + QStringLiteral(":3:2:"))) << error.what();
+    }
+    EXPECT_EQ(window.Session().DataSource(), trv5::gallery::Dataset::BuiltInWdbcPath());
+
+    // Forty records, two features: every chart takes data of another shape.
+    const QString good = directory.filePath("good.csv");
+    QFile goodFile(good);
+    ASSERT_TRUE(goodFile.open(QIODevice::WriteOnly));
+    goodFile.write("size,age,class\n");
+    for (int i = 0; i < 40; ++i) {
+        goodFile.write(QStringLiteral("%1,%2,%3\n")
+                           .arg(i % 2 == 0 ? 1.0 + i * 0.1 : 3.0 + i * 0.1)
+                           .arg(20 + (i * 7) % 30)
+                           .arg(i % 2 == 0 ? QStringLiteral("no") : QStringLiteral("yes"))
+                           .toUtf8());
+    }
+    goodFile.close();
+    window.OpenData(good);
+    auto settings = window.Panel().Settings();
+    settings.Generations = 30;
+    window.Panel().SetSettings(settings);
+    RunToEnd(window);
+    EXPECT_EQ(window.Board().Usage().DoubleData().size(), 2U);
+    EXPECT_EQ(window.Board().Progress().LastGenerationForCopy(), 30);
+    EXPECT_EQ(window.Board().Classes().EndAt(), 40);
+    EXPECT_EQ(window.Board().Stacked().EndAt(), 40);
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, StopEndsTheRunAndFillsTheChartsWithWhatItHas) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    GalleryWindow window;
+    auto settings = window.Panel().Settings();
+    settings.Generations = 100000;
+    settings.PaceMilliseconds = 5;
+    window.Panel().SetSettings(settings);
+    QEventLoop loop;
+    QObject::connect(&window.Session(), &trv5::gallery::RunSession::generationDone, &loop,
+                     [&](int pGeneration) {
+                         if (pGeneration == 3) {
+                             window.Session().Stop();
+                         }
+                     });
+    QObject::connect(&window.Session(), &trv5::gallery::RunSession::finished, &loop,
+                     &QEventLoop::quit);
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+    window.StartRun();
+    loop.exec();
+    const auto& results = window.Session().LastResults();
+    ASSERT_TRUE(results.has_value());
+    EXPECT_TRUE(results->Stopped());
+    EXPECT_LT(results->GenerationsRun(), 1000);
+    EXPECT_EQ(window.Board().Progress().LastGenerationForCopy(), results->GenerationsRun());
+    EXPECT_FALSE(window.Session().IsRunning());
+    EXPECT_EQ(window.Board().Scatter().EndAt(), 569);
+    trv5::Globals::StoreConfig(nullptr);
 }
 
 } // namespace
