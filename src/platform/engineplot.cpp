@@ -579,6 +579,11 @@ void EngineState::SyncData(ChartSeries& pSeries, SeriesPlot& pPlot) {
     pPlot.dataDirty = false;
 }
 
+namespace {
+// Lines with more points than this are drawn with pens of at most one pixel.
+constexpr int kWidePenLimit = 20000;
+} // namespace
+
 void EngineState::SyncSeries(std::size_t pIndex) {
     ChartSeries& each = *series[pIndex];
     SeriesPlot& target = plots[pIndex];
@@ -593,7 +598,10 @@ void EngineState::SyncSeries(std::size_t pIndex) {
     QCPGraph& graph = *target.graph;
     const QColor colour = SeriesColour(pIndex);
 
-    QPen pen(colour, definition.lineWidth);
+    // A wide pen makes Qt's rasteriser trace the outline of every segment, which turns a line
+    // of 100,000 points into seconds of drawing; long lines therefore keep one pixel.
+    const bool longLine = definition.type == SeriesType::Line && each.PointCount() > kWidePenLimit;
+    QPen pen(colour, longLine ? std::min(definition.lineWidth, 1.0) : definition.lineWidth);
     pen.setCapStyle(Qt::FlatCap);
     if (!definition.dashPattern.empty()) {
         QList<qreal> pattern(definition.dashPattern.begin(), definition.dashPattern.end());
