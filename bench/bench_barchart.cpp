@@ -4,8 +4,6 @@
 
 #include <trv5charts/barchart.h>
 
-#include <QApplication>
-
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -81,12 +79,3 @@ void BM_BarChartCopyData(benchmark::State& pState) {
 BENCHMARK(BM_BarChartCopyData)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

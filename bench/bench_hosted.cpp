@@ -6,8 +6,6 @@
 
 #include "platform/chartengine.h"
 
-#include <QApplication>
-
 #include <benchmark/benchmark.h>
 #include <qcustomplot.h>
 
@@ -143,15 +141,3 @@ void BM_ScatterPlotDataAsString(benchmark::State& pState) {
 BENCHMARK(BM_ScatterPlotDataAsString)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

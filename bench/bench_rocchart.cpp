@@ -6,8 +6,6 @@
 #include "platform/drawingsurface.h"
 #include "roc/rocdatatext.h"
 
-#include <QApplication>
-
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -88,15 +86,3 @@ void BM_ROCChartDataText(benchmark::State& pState) {
 BENCHMARK(BM_ROCChartDataText)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -7,8 +7,6 @@
 #include "platform/drawingsurface.h"
 #include "rtchart/seriesdrawing.h"
 
-#include <QApplication>
-
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -220,15 +218,3 @@ void BM_RTChartDripFeedRefresh(benchmark::State& pState) {
 BENCHMARK(BM_RTChartDripFeedRefresh)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
