@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLatin1String>
 #include <QString>
 
 #include <cstdint>
@@ -19,6 +20,11 @@ namespace trv5::ChartsHelper {
 
 // Values whose relative spread is below this are normalized to 0..1 before they are plotted.
 inline constexpr double kMinimumRelativeSpread = 1e-8;
+
+// What a caption gets when its values were normalized, and the title a chart shows when its data
+// could not be prepared.
+inline constexpr QLatin1String kNormalizedSuffix(" (normalized)");
+inline constexpr QLatin1String kUnableToDraw("Unable to draw the chart");
 
 // Axis ranges of diagram 0 from a data range: a maximum of 0 becomes 0.1, equal ends are widened
 // by 10 %, and the margin from the settings (the key "Run.CurveFitting.Margin", or pKey) times the

@@ -29,7 +29,6 @@ constexpr double kCutoffTop = 1.1;
 constexpr double kCircleSize = 6.0;
 constexpr double kStarSize = 9.0;
 
-const QString kNormalizedSuffix = QStringLiteral(" (normalized)");
 const QString kCutoffSeries = QStringLiteral("Cutoff Point");
 
 struct TypeTexts {
@@ -204,7 +203,8 @@ void CLScatterPlot::SetData(std::int32_t pCount, std::span<const std::int32_t> p
             ChartsHelper::RelativeSpread(minimum, maximum) < ChartsHelper::kMinimumRelativeSpread;
     }
     engine.Title(kHorizontalCaption)
-        .SetText(normalized ? m_horizontalCaption + kNormalizedSuffix : m_horizontalCaption);
+        .SetText(normalized ? m_horizontalCaption + ChartsHelper::kNormalizedSuffix
+                            : m_horizontalCaption);
 
     if (m_jitter.size() != scan.count) {
         CreateRandomValues(pCount);

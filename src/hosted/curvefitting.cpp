@@ -29,8 +29,6 @@ constexpr int kVerticalCaption = 3;
 const QString kModelRings = QStringLiteral("Misclassifications");
 const QString kTargetRings = QStringLiteral("Misclassifications2");
 const QString kCutoffPoint = QStringLiteral("Cutoff Point");
-const QString kNormalizedSuffix = QStringLiteral(" (normalized)");
-const QString kUnableToDraw = QStringLiteral("Unable to draw the chart");
 
 // Tooltip texts of one line: "<prefix><record identifier> (<value>)".
 platform::PointTexts RecordTexts(std::string_view pPrefix, std::span<const double> pValues,
@@ -172,7 +170,7 @@ void CurveFitting::Plot(std::int32_t pFirstIndex, std::int32_t pLastIndex,
     if (!Prepare(pFirstIndex, pLastIndex, pModelValues, pTargetValues, pRecordIds, prepared)) {
         engine.Series(kModelSeries).ClearPoints();
         engine.Series(kTargetSeries).ClearPoints();
-        engine.Title(kTitle).SetText(kUnableToDraw);
+        engine.Title(kTitle).SetText(ChartsHelper::kUnableToDraw);
         return;
     }
     m_ranges = prepared.ranges;
@@ -181,7 +179,8 @@ void CurveFitting::Plot(std::int32_t pFirstIndex, std::int32_t pLastIndex,
     m_normalized = prepared.normalized;
     engine.Title(kTitle).SetText(m_title);
     engine.Title(kVerticalCaption)
-        .SetText(m_normalized ? m_verticalCaption + kNormalizedSuffix : m_verticalCaption);
+        .SetText(m_normalized ? m_verticalCaption + ChartsHelper::kNormalizedSuffix
+                              : m_verticalCaption);
 
     FillSeries(prepared, prepared.recordIds);
     const auto count = static_cast<std::int32_t>(prepared.model.size());

@@ -29,9 +29,6 @@ constexpr int kVerticalCaption = 3;
 constexpr int kTooltipDecimals = 6;
 constexpr double kEquationFontSize = 8.0;
 
-const QString kNormalizedSuffix = QStringLiteral(" (normalized)");
-const QString kUnableToDraw = QStringLiteral("Unable to draw the chart");
-
 } // namespace
 
 // The plotted values (normalized where needed) and their ranges.
@@ -86,7 +83,7 @@ bool ScatterPlot::Prepare(std::int32_t pCount, std::span<const double> pFirstVal
             pValues = ChartsHelper::Normalize(pValues, pMaximum, pMinimum);
             pMinimum = 0.0;
             pMaximum = 1.0;
-            Engine().Title(pTitle).SetText(pCaption + kNormalizedSuffix);
+            Engine().Title(pTitle).SetText(pCaption + ChartsHelper::kNormalizedSuffix);
         };
         normalizeIfFlat(pOut.second, pOut.secondMinimum, pOut.secondMaximum, kVerticalCaption,
                         m_verticalCaption);
@@ -105,7 +102,7 @@ void ScatterPlot::SetData(std::int32_t pCount, std::span<const double> pFirstVal
 
     Prepared prepared;
     if (!Prepare(pCount, pFirstValues, pSecondValues, prepared)) {
-        engine.Title(kSubtitle).SetText(kUnableToDraw);
+        engine.Title(kSubtitle).SetText(ChartsHelper::kUnableToDraw);
         points.ClearPoints();
         return;
     }

@@ -35,9 +35,6 @@ constexpr double kAxisBottom = -2.0;
 constexpr double kBothBandsAxisTop = 115.0;
 constexpr double kTargetBandAxisTop = 55.0;
 
-const QString kNormalizedSuffix = QStringLiteral(" (normalized)");
-const QString kUnableToDraw = QStringLiteral("Unable to draw the chart");
-
 } // namespace
 
 // The values as plotted (normalized where needed); model values only outside target-only mode.
@@ -115,7 +112,9 @@ bool StackedDistributionChart::Prepare(std::int32_t pCount, std::span<const doub
         }
         pOut.minimum = 0.0;
         pOut.maximum = 1.0;
-        Engine().Title(kHorizontalCaption).SetText(m_horizontalCaption + kNormalizedSuffix);
+        Engine()
+            .Title(kHorizontalCaption)
+            .SetText(m_horizontalCaption + ChartsHelper::kNormalizedSuffix);
     });
 }
 
@@ -135,7 +134,7 @@ void StackedDistributionChart::SetData(std::int32_t pCount, std::span<const doub
     }
     Prepared prepared;
     if (!Prepare(pCount, pModelValues, pTargetValues, prepared)) {
-        engine.Title(kTitle).SetText(kUnableToDraw);
+        engine.Title(kTitle).SetText(ChartsHelper::kUnableToDraw);
         return;
     }
     const auto count = static_cast<std::size_t>(pCount);
