@@ -7,7 +7,6 @@
 
 #include <trv5charts/numberformat.h>
 
-#include <QPrinter>
 #include <QResizeEvent>
 
 #include <algorithm>
@@ -97,19 +96,8 @@ void HostedChartFrame::PrintChart() {
     if (!m_printDialog->Exec(settings)) {
         return;
     }
-    for (int copy = 1; copy <= settings.copies; ++copy) {
-        QPrinter printer(QPrinter::HighResolution);
-        if (!settings.outputFile.isEmpty()) {
-            printer.setOutputFormat(QPrinter::PdfFormat);
-            printer.setOutputFileName(
-                platform::PrinterAccess::CopyFileName(settings.outputFile, copy, settings.copies));
-        } else if (!settings.printerName.isEmpty()) {
-            printer.setPrinterName(settings.printerName);
-        }
-        printer.setPageOrientation(settings.orientation);
-        printer.setDocName(QStringLiteral("Chart"));
-        mChart->Print(printer);
-    }
+    platform::PrinterAccess::PrintCopies(settings,
+                                         [this](QPaintDevice& pDevice) { mChart->Print(pDevice); });
 }
 
 void HostedChartFrame::PrintChart2(QPaintDevice* pPrinterDevice) {

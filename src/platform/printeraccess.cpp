@@ -18,6 +18,27 @@ double PictureDpi(int pDotsPerMetre) {
     return pDotsPerMetre > 0 ? pDotsPerMetre / InchesPerMetre : FallbackPictureDpi;
 }
 
+// A printer for one document of a print job: to the PDF file when one is given, otherwise to the
+// chosen (or default) printer.
+void Configure(QPrinter& pPrinter, const PrintSettings& pSettings, const QString& pOutputFile) {
+    if (!pOutputFile.isEmpty()) {
+        pPrinter.setOutputFormat(QPrinter::PdfFormat);
+        pPrinter.setOutputFileName(pOutputFile);
+    } else if (!pSettings.printerName.isEmpty()) {
+        pPrinter.setPrinterName(pSettings.printerName);
+    }
+    pPrinter.setPageOrientation(pSettings.orientation);
+    // The copies are separate documents; a printer-side copy count would multiply them.
+    pPrinter.setCopyCount(1);
+    pPrinter.setDocName(QStringLiteral("Chart"));
+}
+
+QString DocumentFile(const PrintSettings& pSettings, int pCopy) {
+    return pSettings.outputFile.isEmpty()
+               ? QString()
+               : PrinterAccess::CopyFileName(pSettings.outputFile, pCopy, pSettings.copies);
+}
+
 } // namespace
 
 bool PrinterAccess::PrintDocument(const QImage& pImage, const PrintSettings& pSettings,
@@ -26,16 +47,7 @@ bool PrinterAccess::PrintDocument(const QImage& pImage, const PrintSettings& pSe
         return false;
     }
     QPrinter printer(QPrinter::HighResolution);
-    if (!pOutputFile.isEmpty()) {
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(pOutputFile);
-    } else if (!pSettings.printerName.isEmpty()) {
-        printer.setPrinterName(pSettings.printerName);
-    }
-    printer.setPageOrientation(pSettings.orientation);
-    // The copies are separate documents; a printer-side copy count would multiply them.
-    printer.setCopyCount(1);
-    printer.setDocName(QStringLiteral("Chart"));
+    Configure(printer, pSettings, pOutputFile);
 
     // Beginning the painter opens the first page, so no placeholder output is needed to start
     // the document.
@@ -57,15 +69,21 @@ bool PrinterAccess::PrintDocument(const QImage& pImage, const PrintSettings& pSe
 int PrinterAccess::PrintCopies(const QImage& pImage, const PrintSettings& pSettings) {
     int sent = 0;
     for (int copy = 1; copy <= pSettings.copies; ++copy) {
-        const QString file = pSettings.outputFile.isEmpty()
-                                 ? QString()
-                                 : CopyFileName(pSettings.outputFile, copy, pSettings.copies);
-        if (!PrintDocument(pImage, pSettings, file)) {
+        if (!PrintDocument(pImage, pSettings, DocumentFile(pSettings, copy))) {
             break;
         }
         ++sent;
     }
     return sent;
+}
+
+void PrinterAccess::PrintCopies(const PrintSettings& pSettings,
+                                const std::function<void(QPaintDevice&)>& pDraw) {
+    for (int copy = 1; copy <= pSettings.copies; ++copy) {
+        QPrinter printer(QPrinter::HighResolution);
+        Configure(printer, pSettings, DocumentFile(pSettings, copy));
+        pDraw(printer);
+    }
 }
 
 QString PrinterAccess::CopyFileName(const QString& pOutputFile, int pCopy, int pCopies) {

@@ -5,6 +5,9 @@
 #include <QImage>
 #include <QString>
 
+#include <functional>
+
+class QPaintDevice;
 class QWidget;
 
 namespace trv5::platform {
@@ -25,6 +28,11 @@ public:
     // One document per copy (none for zero or fewer copies). Stops at the first document that
     // fails, since the next one would fail the same way. Returns the number of documents sent.
     static int PrintCopies(const QImage& pImage, const PrintSettings& pSettings);
+
+    // One document per copy, each drawn by pDraw on a printer set up from pSettings as above
+    // (vector output for charts that can paint themselves). What pDraw throws ends the job.
+    static void PrintCopies(const PrintSettings& pSettings,
+                            const std::function<void(QPaintDevice&)>& pDraw);
 
     // The file that copy pCopy (1-based) of pCopies goes to: the name itself for a single copy,
     // "<name without .pdf>-<copy>.pdf" for several.
