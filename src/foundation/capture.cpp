@@ -1,11 +1,11 @@
 #include <trv5charts/capture.h>
 
 #include "platform/clipboardaccess.h"
+#include "platform/imagecompose.h"
 #include "platform/printeraccess.h"
 
 #include <QCoreApplication>
 #include <QMenu>
-#include <QPainter>
 #include <QPixmap>
 #include <QPointer>
 #include <QRect>
@@ -96,9 +96,8 @@ QImage CaptureWindow(QWidget* pControl, bool pClient, int pLeft, int pTop, int p
     picture.setDevicePixelRatio(ratio);
     SetScreenResolution(picture, *pControl, ratio);
     if (!covered.isNull()) {
-        QPainter painter(&picture);
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.drawPixmap(
+        platform::ReplacePixels(
+            picture,
             QPointF(static_cast<double>(left - originX), static_cast<double>(top - originY)),
             covered);
     }
