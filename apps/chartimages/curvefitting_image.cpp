@@ -1,5 +1,5 @@
-// The curve fitting chart of a classifier scored on the 150 held-out records of a run: its output (a
-// probability) against the 0/1 target, the cut-off at 0.5, and the records it gets wrong ringed.
+// The curve fitting chart of a classifier scored on the 150 held-out records of a run: its output
+// (a probability) against the 0/1 target, the cut-off at 0.5, and the records it gets wrong ringed.
 #include "chartimages.h"
 
 #include <trv5charts/capture.h>

@@ -11,21 +11,18 @@
 
 namespace trv5::images {
 
-std::vector<ImageJob>& Jobs()
-{
+std::vector<ImageJob>& Jobs() {
     static std::vector<ImageJob> jobs;
     return jobs;
 }
 
-RegisterImage::RegisterImage(const QString& pFileName, std::function<QImage()> pRender)
-{
+RegisterImage::RegisterImage(const QString& pFileName, std::function<QImage()> pRender) {
     Jobs().push_back({pFileName, std::move(pRender)});
 }
 
 } // namespace trv5::images
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription("Renders every TRV5Charts chart into PNG files.");
