@@ -14,22 +14,6 @@
 
 namespace {
 
-// A small fixed generator, so that the picture is the same on every machine.
-class Scores {
-public:
-    double Uniform() {
-        m_state = m_state * 6364136223846793005ULL + 1442695040888963407ULL;
-        return (static_cast<double>(m_state >> 11) + 0.5) / 9007199254740992.0;
-    }
-    double Normal(double pMean, double pSpread) {
-        const double radius = std::sqrt(-2.0 * std::log(Uniform()));
-        return pMean + pSpread * radius * std::cos(2.0 * std::numbers::pi * Uniform());
-    }
-
-private:
-    std::uint64_t m_state = 59ULL;
-};
-
 struct Run {
     std::vector<double> model;
     std::vector<double> target;
@@ -53,7 +37,7 @@ constexpr std::int32_t kRecords = 1000;
 constexpr std::int32_t kFirstPositive = 940;
 
 Run Records() {
-    Scores scores;
+    trv5::images::FixedRandom scores(59);
     Run run;
     for (std::int32_t i = 0; i < kRecords; ++i) {
         const bool positive = i < kFirstTestRecord ? scores.Uniform() < 0.4 : i >= kFirstPositive;

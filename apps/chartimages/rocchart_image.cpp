@@ -14,22 +14,6 @@
 
 namespace {
 
-// A small fixed generator, so that the picture is the same on every machine.
-class Scores {
-public:
-    double Uniform() {
-        m_state = m_state * 6364136223846793005ULL + 1442695040888963407ULL;
-        return (static_cast<double>(m_state >> 11) + 0.5) / 9007199254740992.0;
-    }
-    double Normal(double pMean, double pSpread) {
-        const double radius = std::sqrt(-2.0 * std::log(Uniform()));
-        return pMean + pSpread * radius * std::cos(2.0 * std::numbers::pi * Uniform());
-    }
-
-private:
-    std::uint64_t m_state = 7ULL;
-};
-
 struct Curve {
     std::vector<double> fpRates;
     std::vector<double> tpRates;
@@ -39,7 +23,7 @@ struct Curve {
 // Walks the records from the highest score down; every record moves the curve up (a positive)
 // or right (a negative). The area is the sum of the trapezoids.
 Curve ComputeCurve() {
-    Scores scores;
+    trv5::images::FixedRandom scores(7);
     std::vector<std::pair<double, bool>> records;
     for (int i = 0; i < 45; ++i) {
         records.emplace_back(scores.Normal(1.15, 1.0), true);
