@@ -7,6 +7,7 @@
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/stackeddistributionchart.h>
 
+#include "hostedbench.h"
 #include "platform/chartengine.h"
 
 #include <benchmark/benchmark.h>
@@ -20,7 +21,8 @@
 namespace {
 
 constexpr int kRecords = 100'000;
-const QSize kSize(1000, 700);
+using trv5::bench::PrepareChart;
+constexpr QSize kSize = trv5::bench::kEngineSize;
 constexpr double kThreshold = 0.5;
 
 // A classifier's outputs: positives (40 %) mostly above the cut-off, negatives mostly below it,
@@ -54,11 +56,6 @@ const Run& Records() {
         return made;
     }();
     return run;
-}
-
-void PrepareChart(trv5::HostedChartFrame& pChart) {
-    pChart.resize(kSize + QSize(10, 10)); // the engine control gets 1000 x 700
-    pChart.Init(QString());
 }
 
 void BM_CLScatterSetDataAndRender(benchmark::State& pState) {

@@ -5,6 +5,7 @@
 
 #include <trv5charts/curvefitting.h>
 
+#include "hostedbench.h"
 #include "platform/chartengine.h"
 
 #include <benchmark/benchmark.h>
@@ -18,13 +19,9 @@
 namespace {
 
 constexpr std::size_t kRecords = 100'000;
-constexpr QSize kSize(1000, 700);
+constexpr QSize kSize = trv5::bench::kEngineSize;
 
-struct Run {
-    std::vector<double> model;
-    std::vector<double> target;
-    std::vector<std::int32_t> ids;
-};
+using Run = trv5::bench::RecordArrays;
 
 // Scores of two overlapping classes squashed by a logistic function, as a fitted classifier's
 // output looks; about 40 % of the records are positives.
@@ -49,8 +46,7 @@ const Run& Records() {
 void BM_CurveFittingSetDataAndRender(benchmark::State& pState) {
     const Run& run = Records();
     trv5::CurveFitting chart;
-    chart.resize(kSize.width() + 10, kSize.height() + 10);
-    chart.Init(QString());
+    trv5::bench::PrepareChart(chart);
     for (auto _ : pState) {
         chart.SetData1(static_cast<std::int32_t>(kRecords), run.model, run.target, run.ids);
         const QImage image = chart.Engine().Render(kSize);
@@ -88,8 +84,7 @@ BENCHMARK(BM_PlainQCustomPlotTwoLines)->Unit(benchmark::kMillisecond);
 void BM_CurveFittingSetData(benchmark::State& pState) {
     const Run& run = Records();
     trv5::CurveFitting chart;
-    chart.resize(kSize.width() + 10, kSize.height() + 10);
-    chart.Init(QString());
+    trv5::bench::PrepareChart(chart);
     for (auto _ : pState) {
         chart.SetData1(static_cast<std::int32_t>(kRecords), run.model, run.target, run.ids);
     }

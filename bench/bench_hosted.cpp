@@ -4,6 +4,7 @@
 
 #include <trv5charts/scatterplot.h>
 
+#include "hostedbench.h"
 #include "platform/chartengine.h"
 
 #include <benchmark/benchmark.h>
@@ -17,15 +18,12 @@
 namespace {
 
 constexpr int kRecords = 100'000;
-const QSize kSize(1000, 700);
+using trv5::bench::PrepareChart;
+constexpr QSize kSize = trv5::bench::kEngineSize;
+
+using Run = trv5::bench::RecordArrays;
 
 // A model run: targets spread over a skewed range and model outputs that follow them with noise.
-struct Run {
-    std::vector<double> model;
-    std::vector<double> target;
-    std::vector<std::int32_t> ids;
-};
-
 const Run& Records() {
     static const Run run = [] {
         Run made;
@@ -41,11 +39,6 @@ const Run& Records() {
         return made;
     }();
     return run;
-}
-
-void PrepareChart(trv5::ScatterPlot& pChart) {
-    pChart.resize(kSize + QSize(10, 10)); // the engine control gets 1000 x 700
-    pChart.Init(QString());
 }
 
 void BM_ScatterPlotSetDataAndRender(benchmark::State& pState) {
