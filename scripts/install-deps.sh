@@ -5,7 +5,9 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config
-    qt6-base-dev libgl-dev qt6-tools-dev
+    # Qt UiTools and Designer (the Designer plugin and its tests) need OpenGLWidgets, which
+    # qt6-tools-dev does not pull in without recommends.
+    qt6-base-dev libgl-dev qt6-tools-dev libqt6opengl6-dev
     libpugixml-dev libqcustomplot-dev
     libgtest-dev libbenchmark-dev
     clang-format
