@@ -6,6 +6,8 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build pkg-config
     qt6-base-dev libgl-dev qt6-tools-dev
+    # Qt Designer's CMake package needs the OpenGL widgets development files.
+    libqt6opengl6-dev
     libpugixml-dev libqcustomplot-dev
     libgtest-dev libbenchmark-dev
     clang-format

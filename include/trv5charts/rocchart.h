@@ -23,6 +23,10 @@ class ChartMenu;
 class DrawingSurface;
 } // namespace platform
 
+namespace roc {
+struct Layout;
+} // namespace roc
+
 class VerticalLabel;
 
 // A receiver operating characteristic curve that the host has computed: the points as parallel
@@ -30,6 +34,10 @@ class VerticalLabel;
 // The chart draws a square plot with the dotted diagonal of a guessing classifier, the curve,
 // tick labels in tenths, axis titles, a legend and the AUC figures, and offers a context menu
 // to copy the chart as a picture or its data as text.
+//
+// Below the size its texts need, the chart keeps its plot readable: tick labels thin out to
+// every second one and then go, the axis titles drop whole words from their ends, and the
+// legend with the AUC figures takes smaller fonts or, at the last, makes way.
 //
 // The host calls SetDataSource, SetAUC and then Refresh. The chart never reports an error:
 // a curve it cannot draw leaves an empty plot.
@@ -111,6 +119,7 @@ private:
     // Places the children and draws everything for the current size.
     void ApplyLayout();
     void PlaceChildren();
+    void PlaceLegendColumn(const roc::Layout& pLayout);
     // Draws the frame and, as the plot content says, the diagonal and the curve; false when
     // the curve could not be drawn (the plot is then left empty).
     bool Redraw();

@@ -41,6 +41,8 @@ public:
 
     // The caption's line height across and its length down.
     QSize sizeHint() const override;
+    // The length pText would take as the caption.
+    int TextLength(const QString& pText) const;
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;

@@ -73,6 +73,10 @@ QSize VerticalLabel::sizeHint() const {
     return {metrics.height(), metrics.horizontalAdvance(m_text)};
 }
 
+int VerticalLabel::TextLength(const QString& pText) const {
+    return QFontMetrics(CaptionFont(font().family()), this).horizontalAdvance(pText);
+}
+
 void VerticalLabel::resizeEvent(QResizeEvent* pEvent) {
     QWidget::resizeEvent(pEvent);
     RedrawText();
