@@ -234,6 +234,54 @@ void ROCChart::SetForeColor(std::int32_t pColour) {
     setPalette(palette);
 }
 
+QColor ROCChart::ROCQColor() const {
+    return platform::ToQColor(ROCColor());
+}
+
+void ROCChart::SetROCQColor(const QColor& pColour) {
+    SetROCColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::DiagonalQColor() const {
+    return platform::ToQColor(DiagonalColor());
+}
+
+void ROCChart::SetDiagonalQColor(const QColor& pColour) {
+    SetDiagonalColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::LabelsQColor() const {
+    return platform::ToQColor(LabelsColor());
+}
+
+void ROCChart::SetLabelsQColor(const QColor& pColour) {
+    SetLabelsColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::FrameQColor() const {
+    return platform::ToQColor(FrameColor());
+}
+
+void ROCChart::SetFrameQColor(const QColor& pColour) {
+    SetFrameColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::BackQColor() const {
+    return platform::ToQColor(BackColor());
+}
+
+void ROCChart::SetBackQColor(const QColor& pColour) {
+    SetBackColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::ForeQColor() const {
+    return platform::ToQColor(ForeColor());
+}
+
+void ROCChart::SetForeQColor(const QColor& pColour) {
+    SetForeColor(platform::FromQColor(pColour));
+}
+
 void ROCChart::SetFont(const QFont& pFont) {
     setFont(pFont);
     pic->setFont(pFont);

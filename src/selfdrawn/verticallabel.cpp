@@ -63,6 +63,14 @@ void VerticalLabel::SetBackColor(std::int32_t pColour) {
     }
 }
 
+QColor VerticalLabel::BackQColor() const {
+    return platform::ToQColor(m_backColor);
+}
+
+void VerticalLabel::SetBackQColor(const QColor& pColour) {
+    SetBackColor(platform::FromQColor(pColour));
+}
+
 void VerticalLabel::SetText(const QString& pText) {
     m_text = pText;
     RedrawText();
