@@ -155,6 +155,11 @@ public:
     // Back to the state of a new chart, except RoundedCorner, BarColor and ShowCopyPrint.
     void Reset();
 
+    // The bar under a point of the control (in the control's coordinates): its column for
+    // vertical bars, 0 for the horizontal bar, -1 where no bar is drawn. What the tool tip
+    // shows a value for, for hosts that explain a bar in their own words.
+    std::int32_t BarAt(const QPoint& pPosition) const;
+
     // ---- menu commands ----
     // The control's picture to the clipboard.
     void CopyChart();
@@ -196,6 +201,8 @@ private:
     void OnMenu(int pIndex);
     void UpdateToolTip(double pPixelX, double pPixelY);
     QString ToolTipAt(double pX, double pY) const;
+    // The bar under a point of the picture in its scale units, as BarAt.
+    std::int64_t BarUnder(double pX, double pY) const;
 
     // The value of bar pIndex in the current array; ChartError 9 beyond its end.
     double BarValue(std::int64_t pIndex) const;
