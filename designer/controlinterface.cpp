@@ -1,5 +1,7 @@
 #include "controlinterface.h"
 
+#include "controlsamples.h"
+
 #include <QIcon>
 #include <QWidget>
 
@@ -27,14 +29,19 @@ QString ControlInterface::includeFile() const {
 }
 
 QIcon ControlInterface::icon() const {
-    return QIcon();
+    return ControlIcon(name());
 }
 
 QWidget* ControlInterface::createWidget(QWidget* pParent) {
-    return m_info.create(pParent);
+    QWidget* control = m_info.create(pParent);
+    if (m_core != nullptr && control != nullptr) {
+        ShowSample(*control);
+    }
+    return control;
 }
 
-void ControlInterface::initialize(QDesignerFormEditorInterface* /*pCore*/) {
+void ControlInterface::initialize(QDesignerFormEditorInterface* pCore) {
+    m_core = pCore;
     m_initialized = true;
 }
 

@@ -47,6 +47,8 @@ public:
     bool isContainer() const override { return false; }
     QWidget* createWidget(QWidget* pParent) override;
     bool isInitialized() const override { return m_initialized; }
+    // Designer hands in its core; controls made after that show sample data. QUiLoader never
+    // initializes a plugin, so the controls of a loaded form start empty.
     void initialize(QDesignerFormEditorInterface* pCore) override;
     QString domXml() const override;
 
@@ -56,6 +58,7 @@ public:
 private:
     const ControlInfo& m_info;
     bool m_initialized = false;
+    QDesignerFormEditorInterface* m_core = nullptr;
 };
 
 } // namespace trv5::designer

@@ -6,6 +6,8 @@
 
 #include "testsupport.h"
 
+#include <QCoreApplication>
+
 #include <limits>
 #include <memory>
 
@@ -309,3 +311,39 @@ TEST_F(CLScatterPlotTest, MarkersLabelsAndCutoffVisibility) {
 }
 
 } // namespace
+
+TEST_F(CLScatterPlotTest, LegendGivesWayToThePoints) {
+    // Small enough that the legend reaches down into the points at the top right.
+    chart.resize(500, 300);
+    chart.ShowLegend();
+    const int count = 300;
+    for (const bool crowdedRight : {true, false}) {
+        SCOPED_TRACE(crowdedRight ? "records on the right" : "records on the left");
+        // Every record in one half of a fixed 0 to 1 axis, jittered over the whole height.
+        std::vector<std::int32_t> outcome(count);
+        std::vector<double> output(count);
+        std::vector<std::int32_t> record(count);
+        for (int i = 0; i < count; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            output[at] = (crowdedRight ? 0.55 : 0.0) + 0.45 * i / count;
+            outcome[at] = output[at] >= 0.5 ? 2 : 0;
+            record[at] = i + 1;
+        }
+        chart.SetData(count, outcome, output, record);
+        chart.SetFixedXAxis(0.0, 1.0);
+        Engine().Refresh();
+        QCoreApplication::processEvents();
+        Engine().Render();
+
+        const QRect legend = Engine().LegendRect();
+        ASSERT_FALSE(legend.isEmpty());
+        int covered = 0;
+        for (int series = 0; series < 4; ++series) {
+            for (int i = 0; i < Engine().Series(series).PointCount(); ++i) {
+                covered += legend.contains(Engine().PointPosition(series, i).toPoint()) ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(covered, 0);
+        EXPECT_EQ(legend.center().x() < Engine().Widget()->width() / 2, crowdedRight);
+    }
+}

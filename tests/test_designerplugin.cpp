@@ -1,15 +1,20 @@
 // The Designer plugin as Designer and QUiLoader use it: loaded from its file, every control made
 // through it, and the controls' properties kept through .ui files.
 
+#include <trv5charts/barchart.h>
+#include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
+#include <trv5charts/verticallabel.h>
 
 #include <QBuffer>
 #include <QColor>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
 #include <QMetaProperty>
 #include <QPluginLoader>
 #include <QUiLoader>
+#include <QtDesigner/QDesignerFormEditorInterface>
 #include <QtDesigner/QFormBuilder>
 #include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 
@@ -78,6 +83,29 @@ QVariant OtherValue(const QMetaProperty& pProperty, const QVariant& pValue) {
                       << pValue.typeName();
         return pValue;
     }
+}
+
+QDesignerCustomWidgetInterface* PluginControl(const QString& pName) {
+    for (QDesignerCustomWidgetInterface* control : PluginControls()) {
+        if (control->name() == pName) {
+            return control;
+        }
+    }
+    ADD_FAILURE() << "no control " << pName.toStdString();
+    return nullptr;
+}
+
+QByteArray FormWith(const QByteArray& pControls) {
+    return R"(<?xml version="1.0" encoding="UTF-8"?>
+<ui version="4.0">
+ <class>Form</class>
+ <widget class="QWidget" name="Form">
+  <layout class="QVBoxLayout" name="layout">
+)" + pControls +
+           R"(  </layout>
+ </widget>
+</ui>
+)";
 }
 
 } // namespace
@@ -182,4 +210,117 @@ TEST(DesignerPlugin, ChartInAFormKeepsItsPropertiesWhenLoaded) {
     EXPECT_EQ(chart->BackColor(), 0xE0FFFF);
     EXPECT_EQ(chart->Tag(), QStringLiteral("Fitness by generation"));
     EXPECT_FALSE(chart->ShowXAxis());
+}
+
+TEST(DesignerPlugin, ColoursAreEditedAsColoursAndReachTheHostsIntegers) {
+    // Every integer colour stays for hosts but is left out of Designer's property editor, which
+    // offers the same colour as a QColor instead.
+    int colours = 0;
+    for (QDesignerCustomWidgetInterface* control : PluginControls()) {
+        SCOPED_TRACE(control->name().toStdString());
+        const std::unique_ptr<QWidget> made(control->createWidget(nullptr));
+        const QMetaObject* meta = made->metaObject();
+        for (int i = QWidget::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
+            const QMetaProperty property = meta->property(i);
+            const QString name = QString::fromLatin1(property.name());
+            if (property.typeId() != QMetaType::Int || !name.endsWith(QStringLiteral("Color"))) {
+                continue;
+            }
+            ++colours;
+            EXPECT_FALSE(property.isDesignable()) << property.name();
+            QString colourName = name;
+            colourName[0] = colourName[0].toLower();
+            if (colourName.startsWith(QStringLiteral("rOC"))) {
+                colourName.replace(0, 3, QStringLiteral("roc"));
+            }
+            const QMetaProperty twin =
+                meta->property(meta->indexOfProperty(colourName.toLatin1().constData()));
+            ASSERT_TRUE(twin.isValid()) << colourName.toStdString();
+            EXPECT_EQ(twin.typeId(), QMetaType::QColor);
+            EXPECT_TRUE(twin.isDesignable());
+            ASSERT_TRUE(twin.write(made.get(), QColor(12, 34, 56)));
+            EXPECT_EQ(property.read(made.get()).toInt(), 12 | (34 << 8) | (56 << 16))
+                << property.name();
+        }
+    }
+    EXPECT_GE(colours, 9);
+
+    // A form as Designer writes it: colours as <color> elements, read back as host integers.
+    const std::unique_ptr<QWidget> form = LoadUi(FormWith(R"(
+   <item><widget class="trv5::BarChart" name="bars">
+    <property name="barColor"><color><red>200</red><green>40</green><blue>30</blue></color></property>
+    <property name="backColor"><color><red>255</red><green>250</green><blue>240</blue></color></property>
+   </widget></item>
+   <item><widget class="trv5::ROCChart" name="roc">
+    <property name="rocColor"><color><red>20</red><green>90</green><blue>160</blue></color></property>
+   </widget></item>
+)"));
+    ASSERT_NE(form, nullptr);
+    const auto* bars = form->findChild<trv5::BarChart*>(QStringLiteral("bars"));
+    ASSERT_NE(bars, nullptr);
+    EXPECT_EQ(bars->BarColor(), 200 | (40 << 8) | (30 << 16));
+    EXPECT_EQ(bars->BackQColor(), QColor(255, 250, 240));
+    const auto* roc = form->findChild<trv5::ROCChart*>(QStringLiteral("roc"));
+    ASSERT_NE(roc, nullptr);
+    EXPECT_EQ(roc->ROCColor(), 20 | (90 << 8) | (160 << 16));
+}
+
+TEST(DesignerPlugin, EachControlHasItsOwnIcon) {
+    QList<QImage> icons;
+    for (QDesignerCustomWidgetInterface* control : PluginControls()) {
+        const QImage icon = control->icon().pixmap(32, 32).toImage();
+        ASSERT_FALSE(icon.isNull()) << control->name().toStdString();
+        EXPECT_FALSE(icons.contains(icon)) << control->name().toStdString();
+        icons << icon;
+    }
+}
+
+TEST(DesignerPlugin, DesignerShowsSampleDataAndLoadedFormsStartEmpty) {
+    QDesignerCustomWidgetInterface* progress = PluginControl(QStringLiteral("trv5::RTChart"));
+    QDesignerCustomWidgetInterface* bars = PluginControl(QStringLiteral("trv5::BarChart"));
+    QDesignerCustomWidgetInterface* caption = PluginControl(QStringLiteral("trv5::VerticalLabel"));
+    ASSERT_TRUE(progress != nullptr && bars != nullptr && caption != nullptr);
+
+    const auto loaded = [] {
+        return LoadUi(FormWith(R"(
+   <item><widget class="trv5::RTChart" name="progress"/></item>
+   <item><widget class="trv5::BarChart" name="bars"/></item>
+   <item><widget class="trv5::VerticalLabel" name="caption"/></item>
+)"));
+    };
+    const auto expectEmpty = [](const QWidget& pForm) {
+        EXPECT_EQ(pForm.findChild<trv5::RTChart*>()->SeriesCount(), 0);
+        EXPECT_EQ(pForm.findChild<trv5::BarChart*>()->HasData(), 0);
+        EXPECT_TRUE(pForm.findChild<trv5::VerticalLabel*>()->Text().isEmpty());
+    };
+    expectEmpty(*loaded());
+
+    // Designer initializes the plugin with its core before it makes controls for a form.
+    QDesignerFormEditorInterface core;
+    for (QDesignerCustomWidgetInterface* control : PluginControls()) {
+        control->initialize(&core);
+    }
+    const std::unique_ptr<QWidget> chart(progress->createWidget(nullptr));
+    EXPECT_GT(static_cast<trv5::RTChart&>(*chart).SeriesCount(), 0);
+    const std::unique_ptr<QWidget> bar(bars->createWidget(nullptr));
+    EXPECT_EQ(static_cast<trv5::BarChart&>(*bar).HasData(), 1);
+    const std::unique_ptr<QWidget> label(caption->createWidget(nullptr));
+    EXPECT_FALSE(static_cast<trv5::VerticalLabel&>(*label).Text().isEmpty());
+    // The sample is drawn: the bars' colour is on the control's picture.
+    bar->resize(200, 120);
+    static_cast<trv5::BarChart&>(*bar).Redraw();
+    const QImage picture = bar->grab().toImage();
+    const QColor barColour = static_cast<trv5::BarChart&>(*bar).BarQColor();
+    bool barDrawn = false;
+    for (int y = 0; y < picture.height() && !barDrawn; ++y) {
+        for (int x = 0; x < picture.width() && !barDrawn; ++x) {
+            barDrawn = picture.pixelColor(x, y) == barColour;
+        }
+    }
+    EXPECT_TRUE(barDrawn);
+
+    for (QDesignerCustomWidgetInterface* control : PluginControls()) {
+        control->initialize(nullptr);
+    }
+    expectEmpty(*loaded());
 }

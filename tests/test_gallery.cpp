@@ -2,6 +2,7 @@
 // the project round trip, the threshold wiring and the charts' context menus in the window.
 #include "core/gallerycore.h"
 #include "ui/chartboard.h"
+#include "ui/chartexport.h"
 #include "ui/controlpanel.h"
 #include "ui/gallerywindow.h"
 #include "ui/headless.h"
@@ -10,6 +11,7 @@
 #include <trv5charts/barchart.h>
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/hostsettings.h>
+#include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/scatterplot.h>
 #include <trv5charts/stackeddistributionchart.h>
@@ -21,18 +23,26 @@
 #include <QDoubleSpinBox>
 #include <QEventLoop>
 #include <QFile>
+#include <QHelpEvent>
 #include <QImage>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QProcess>
+#include <QProgressBar>
+#include <QRegularExpression>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSet>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 
 namespace {
@@ -72,7 +82,8 @@ void RunToEnd(GalleryWindow& pWindow) {
 
 // The program run as a user runs it: no display and no platform chosen, so it must pick the
 // offscreen platform itself.
-QProcess::ExitStatus RunGallery(const QStringList& pArguments, int& pExitCode, QString& pErrors) {
+QProcess::ExitStatus RunGallery(const QStringList& pArguments, int& pExitCode, QString& pErrors,
+                                QString* pOutput = nullptr) {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("DISPLAY"));
@@ -83,6 +94,9 @@ QProcess::ExitStatus RunGallery(const QStringList& pArguments, int& pExitCode, Q
     process.waitForFinished(120000);
     pExitCode = process.exitCode();
     pErrors = QString::fromLocal8Bit(process.readAllStandardError());
+    if (pOutput != nullptr) {
+        *pOutput = QString::fromLocal8Bit(process.readAllStandardOutput());
+    }
     return process.exitStatus();
 }
 
@@ -369,4 +383,175 @@ TEST(Gallery, StopEndsTheRunAndFillsTheChartsWithWhatItHas) {
     trv5::Globals::StoreConfig(nullptr);
 }
 
+// A point of a colour on a chart's picture, in the coordinates of pWidget; with pInside one whose
+// neighbours have the colour too (inside a bar, not on its edge). Null when there is none.
+QPoint WhereColour(QWidget& pWidget, const QColor& pColour, bool pInside = false) {
+    const QImage picture = pWidget.grab().toImage();
+    const auto is = [&](int pX, int pY) {
+        return picture.pixelColor(pX, pY) == pColour;
+    };
+    for (int y = 1; y + 1 < picture.height(); ++y) {
+        for (int x = 1; x + 1 < picture.width(); ++x) {
+            if (is(x, y) &&
+                (!pInside || (is(x - 1, y) && is(x + 1, y) && is(x, y - 1) && is(x, y + 1)))) {
+                return QPoint(x, y) / picture.devicePixelRatio();
+            }
+        }
+    }
+    return {};
+}
+
+void ExpectNoRunShown(GalleryWindow& pWindow) {
+    const trv5::gallery::ChartBoard& board = pWindow.Board();
+    EXPECT_EQ(board.Progress().SeriesCount(), 0);
+    EXPECT_TRUE(board.Progress().GetChartDataAsString().isEmpty());
+    for (const trv5::BarChart* bars :
+         {&board.Usage(), &board.TrainingGauge(), &board.ValidationGauge()}) {
+        EXPECT_EQ(bars->HasData(), 0) << bars->objectName().toStdString();
+        EXPECT_TRUE(bars->DoubleData().empty() && bars->LongData().empty());
+    }
+    for (const QLabel* label : board.Roc().findChildren<QLabel*>()) {
+        if (label->objectName() == QStringLiteral("lblRecords") ||
+            label->objectName().startsWith(QStringLiteral("lblAUC")) ||
+            label->objectName() == QStringLiteral("lbl1MinusAuc")) {
+            EXPECT_TRUE(label->text().isEmpty() || label->isHidden())
+                << label->objectName().toStdString() << ": " << label->text().toStdString();
+        }
+    }
+    EXPECT_EQ(board.Classes().EndAt() - board.Classes().StartAt(), 0);
+}
+
 } // namespace
+
+TEST(Gallery, LoadingDataOrAProjectLeavesNothingOfThePreviousRun) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    QTemporaryDir directory;
+    GalleryWindow window;
+    const QString project = window.SaveProject(directory.filePath("empty.trv5gallery"));
+    RunToEnd(window);
+    EXPECT_GT(window.Board().Progress().SeriesCount(), 0);
+    window.OpenData(trv5::gallery::Dataset::BuiltInWdbcPath());
+    ExpectNoRunShown(window);
+
+    RunToEnd(window);
+    window.OpenProject(project);
+    ExpectNoRunShown(window);
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, ExportGivesEveryChartItsSizeBack) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    QTemporaryDir directory;
+    GalleryWindow window;
+    window.resize(1200, 800);
+    window.show();
+    RunToEnd(window);
+    std::map<QString, QSize> sizes;
+    for (const ChartEntry& chart : window.Board().Entries()) {
+        window.RevealChart(chart.name);
+        sizes[chart.name] = chart.widget->size();
+    }
+    trv5::gallery::ExportCharts(
+        window.Board().Entries(), directory.path(),
+        [&window](const ChartEntry& pChart) { window.RevealChart(pChart.name); });
+    for (const ChartEntry& chart : window.Board().Entries()) {
+        window.RevealChart(chart.name);
+        EXPECT_EQ(chart.widget->size(), sizes[chart.name]) << chart.name.toStdString();
+        EXPECT_NE(chart.widget->size(), chart.exportSize) << chart.name.toStdString();
+    }
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, WindowFitsASmallScreenAndItsPanelScrolls) {
+    GalleryWindow window;
+    // A 1024 x 640 screen less a title bar and a panel of the desktop.
+    const QSize available(1024, 600);
+    EXPECT_TRUE(available.expandedTo(window.minimumSizeHint()) == available)
+        << window.minimumSizeHint().width() << "x" << window.minimumSizeHint().height();
+    const QSize small = GalleryWindow::DefaultSize(available, window.minimumSizeHint());
+    EXPECT_TRUE(available.expandedTo(small) == available);
+    EXPECT_EQ(GalleryWindow::DefaultSize(QSize(2560, 1400), window.minimumSizeHint()),
+              QSize(1440, 900));
+
+    window.resize(small);
+    window.show();
+    QApplication::processEvents();
+    EXPECT_EQ(window.size(), small);
+    auto* panel = window.findChild<QScrollArea*>(QStringLiteral("scrControlPanel"));
+    ASSERT_NE(panel, nullptr);
+    EXPECT_EQ(panel->widget(), &window.Panel());
+    EXPECT_GT(panel->verticalScrollBar()->maximum(), 0);
+}
+
+TEST(Gallery, ProgressBarCountsToTheGenerationsSet) {
+    GalleryWindow window;
+    auto* bar = window.Panel().findChild<QProgressBar*>(QStringLiteral("prgRun"));
+    auto* generations = window.Panel().findChild<QSpinBox*>(QStringLiteral("spnGenerations"));
+    ASSERT_TRUE(bar != nullptr && generations != nullptr);
+    EXPECT_EQ(bar->text(),
+              QStringLiteral("Generation 0 of %1").arg(window.Panel().Settings().Generations));
+    auto settings = window.Panel().Settings();
+    settings.Generations = 250;
+    window.Panel().SetSettings(settings);
+    EXPECT_EQ(bar->text(), QStringLiteral("Generation 0 of 250"));
+    generations->setValue(300);
+    EXPECT_EQ(bar->text(), QStringLiteral("Generation 0 of 300"));
+}
+
+TEST(Gallery, HelpNeedsNoDisplayAndProjectsGetTheirExtension) {
+    int exitCode = -1;
+    QString errors;
+    QString output;
+    ASSERT_EQ(RunGallery({QStringLiteral("--help")}, exitCode, errors, &output),
+              QProcess::NormalExit);
+    EXPECT_EQ(exitCode, 0) << errors.toStdString();
+    EXPECT_TRUE(output.contains(QStringLiteral("--output"))) << output.toStdString();
+
+    QTemporaryDir directory;
+    GalleryWindow window;
+    const QString bare = directory.filePath("mine");
+    EXPECT_EQ(window.SaveProject(bare), bare + QStringLiteral(".trv5gallery"));
+    EXPECT_TRUE(QFile::exists(bare + QStringLiteral(".trv5gallery")));
+    EXPECT_FALSE(QFile::exists(bare));
+    // A name the user gave an extension keeps it.
+    const QString named = directory.filePath("mine.project");
+    EXPECT_EQ(window.SaveProject(named), named);
+    EXPECT_TRUE(QFile::exists(named));
+}
+
+TEST(Gallery, ToolTipsNameTheLineAndTheVariable) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    GalleryWindow window;
+    window.resize(1200, 800);
+    window.show();
+    RunToEnd(window);
+    const auto hover = [](QWidget& pTarget, const QPoint& pAt) {
+        QMouseEvent move(QEvent::MouseMove, pAt, pTarget.mapToGlobal(pAt), Qt::NoButton,
+                         Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&pTarget, &move);
+        QHelpEvent help(QEvent::ToolTip, pAt, pTarget.mapToGlobal(pAt));
+        QApplication::sendEvent(&pTarget, &help);
+        return pTarget.toolTip();
+    };
+
+    window.RevealChart(QStringLiteral("progress"));
+    auto* progress = window.Board().Progress().findChild<QWidget*>(QStringLiteral("pic"));
+    ASSERT_NE(progress, nullptr);
+    const QPoint onBest = WhereColour(*progress, QColor(31, 119, 180));
+    ASSERT_FALSE(onBest.isNull());
+    const QString lineTip = hover(*progress, onBest);
+    EXPECT_TRUE(lineTip.startsWith(QStringLiteral("Best fitness, Point ")))
+        << lineTip.toStdString();
+
+    auto* usage = window.Board().Usage().findChild<QWidget*>(QStringLiteral("pic"));
+    ASSERT_NE(usage, nullptr);
+    const QPoint onBar = WhereColour(*usage, QColor(70, 130, 180), true);
+    ASSERT_FALSE(onBar.isNull());
+    const QString barTip = hover(*usage, onBar);
+    const QRegularExpressionMatch match =
+        QRegularExpression(QStringLiteral("^(.+): (\\d+(\\.\\d)?) % of the weights$"))
+            .match(barTip);
+    ASSERT_TRUE(match.hasMatch()) << barTip.toStdString();
+    EXPECT_TRUE(window.Session().LastResults()->FeatureNames().contains(match.captured(1)));
+    trv5::Globals::StoreConfig(nullptr);
+}

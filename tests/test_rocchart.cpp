@@ -9,9 +9,12 @@
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QFile>
+#include <QFontMetricsF>
 #include <QLabel>
 #include <QMenu>
 #include <QRegularExpression>
+#include <QSet>
+#include <QStyle>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -468,4 +471,131 @@ TEST(ROCChartTest, LayoutKeepsASquarePlotAndSurvivesAnySize) {
             }
         }
     }
+}
+
+namespace {
+
+// The box a label's text takes on the chart, as far as the label shows it; empty for a label
+// that shows nothing. pFits tells whether the whole text fits the label (nothing is clipped).
+QRect TextBox(const ROCChart& pChart, const QLabel& pLabel, bool& pFits) {
+    pFits = true;
+    if (!pLabel.isVisibleTo(&pChart) || pLabel.text().isEmpty() || pLabel.width() <= 0 ||
+        pLabel.height() <= 0) {
+        return {};
+    }
+    const QFontMetricsF metrics(pLabel.font());
+    const QSize text(static_cast<int>(std::ceil(metrics.horizontalAdvance(pLabel.text()))),
+                     static_cast<int>(std::ceil(metrics.height())));
+    pFits = text.width() <= pLabel.width() + 1;
+    const QRect inLabel =
+        QStyle::alignedRect(Qt::LeftToRight, pLabel.alignment(), text, pLabel.rect()) &
+        pLabel.rect();
+    return QRect(pLabel.mapTo(&pChart, inLabel.topLeft()), inLabel.size());
+}
+
+bool IsLeadingWords(const QString& pText, const QString& pFull) {
+    return pText == pFull || (pFull.startsWith(pText) && pFull.at(pText.size()) == u' ');
+}
+
+} // namespace
+
+TEST(ROCChartTest, NoTextOverlapsAnotherOrIsCutAtAnySize) {
+    ROCChart chart;
+    chart.SetBackColor(kWhite);
+    chart.SetInverted(true);
+    chart.SetDataSource(std::vector<double>{0.0, 0.1, 0.4, 1.0},
+                        std::vector<double>{0.0, 0.6, 0.9, 1.0});
+    chart.SetAUC(0.8123456789);
+    const auto& vertical = Child<trv5::VerticalLabel>(chart, "vlLegend");
+    for (int width = 150; width <= 720; width += 30) {
+        for (int height = 120; height <= 540; height += 28) {
+            chart.resize(width, height);
+            chart.Refresh();
+            const std::string at = std::to_string(width) + "x" + std::to_string(height);
+            std::vector<std::pair<QString, QRect>> boxes{
+                {QStringLiteral("pic"), Child<QWidget>(chart, "pic").geometry()}};
+            for (const QLabel* label : chart.findChildren<QLabel*>()) {
+                bool fits = true;
+                const QRect box = TextBox(chart, *label, fits);
+                EXPECT_TRUE(fits) << label->objectName().toStdString() << " cut at " << at;
+                if (!box.isEmpty()) {
+                    boxes.emplace_back(label->objectName() + u' ' + label->text(), box);
+                }
+            }
+            if (!vertical.Text().isEmpty()) {
+                const int length = vertical.TextLength(vertical.Text());
+                EXPECT_LE(length, vertical.height()) << "vertical title cut at " << at;
+                const QRect g = vertical.geometry();
+                boxes.emplace_back(QStringLiteral("vlLegend"),
+                                   QRect(g.x(), g.center().y() - length / 2, g.width(), length));
+            }
+            EXPECT_TRUE(IsLeadingWords(vertical.Text(), QStringLiteral("TP Rate (Sensitivity)")))
+                << vertical.Text().toStdString();
+            EXPECT_TRUE(IsLeadingWords(TextOf(chart, "lblHLegend"),
+                                       QStringLiteral("FP Rate (1-Specificity)")));
+            for (std::size_t i = 0; i < boxes.size(); ++i) {
+                for (std::size_t j = i + 1; j < boxes.size(); ++j) {
+                    EXPECT_FALSE(boxes[i].second.intersects(boxes[j].second))
+                        << boxes[i].first.toStdString() << " overlaps "
+                        << boxes[j].first.toStdString() << " at " << at;
+                }
+            }
+        }
+    }
+}
+
+TEST(ROCChartTest, SmallChartsThinTheirTicksShortenTitlesAndShrinkTheLegend) {
+    const auto shownTicks = [](const ROCChart& pChart, const char* pAxis) {
+        QList<int> shown;
+        for (int i = 0; i <= 10; ++i) {
+            if (!Tick(pChart, pAxis, i).geometry().isEmpty()) {
+                shown << i;
+            }
+        }
+        return shown;
+    };
+    Fixture large(600, 450);
+    const QList<int> all{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    EXPECT_EQ(shownTicks(large.chart, "lblX"), all);
+    EXPECT_EQ(shownTicks(large.chart, "lblY"), all);
+    EXPECT_EQ(Child<trv5::VerticalLabel>(large.chart, "vlLegend").Text(),
+              QStringLiteral("TP Rate (Sensitivity)"));
+    const QSize fullLegend = Child<QWidget>(large.chart, "picLegend").size();
+
+    // Shrinking the height thins the labels of both axes to every second one, then to none,
+    // never leaving odd ones behind.
+    const QList<int> even{0, 2, 4, 6, 8, 10};
+    QSet<int> seen;
+    qsizetype previous = all.size();
+    for (int height = 450; height >= 120; height -= 5) {
+        large.chart.resize(700, height);
+        large.chart.Refresh();
+        for (const char* axis : {"lblX", "lblY"}) {
+            const QList<int> shown = shownTicks(large.chart, axis);
+            EXPECT_TRUE(shown == all || shown == even || shown.isEmpty()) << height;
+            seen.insert(static_cast<int>(shown.size()));
+        }
+        const qsizetype count = shownTicks(large.chart, "lblY").size();
+        EXPECT_LE(count, previous);
+        previous = count;
+    }
+    EXPECT_EQ(seen, QSet<int>({11, 6, 0}));
+
+    // A low chart: the titles lose words, not letters.
+    large.chart.resize(300, 130);
+    large.chart.Refresh();
+    EXPECT_EQ(Child<trv5::VerticalLabel>(large.chart, "vlLegend").Text(),
+              QStringLiteral("TP Rate"));
+    large.chart.resize(120, 300);
+    large.chart.Refresh();
+    EXPECT_EQ(TextOf(large.chart, "lblHLegend"), QStringLiteral("FP Rate"));
+
+    // A narrow chart: the legend takes smaller fonts instead of squeezing the plot.
+    Fixture small(270, 230);
+    const QSize legend = Child<QWidget>(small.chart, "picLegend").size();
+    EXPECT_LT(legend.width(), fullLegend.width());
+    EXPECT_LT(legend.height(), fullLegend.height());
+    EXPECT_GT(legend.width(), 0);
+    const int titleHeight = Child<QLabel>(small.chart, "lblHLegend").height();
+    EXPECT_GE(small.pic.width(), 0.6 * (230 - titleHeight - 48));
 }

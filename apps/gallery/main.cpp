@@ -28,11 +28,13 @@ bool HasDisplay() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+// Modes that need no screen: writing files, and the help text.
 bool WantsBatchMode(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--output", 8) == 0 ||
-            std::strncmp(argv[i], "--screenshot", 12) == 0) {
-            return true;
+        for (const char* option : {"--output", "--screenshot", "--help", "-h", "-?"}) {
+            if (std::strncmp(argv[i], option, std::strlen(option)) == 0) {
+                return true;
+            }
         }
     }
     return false;

@@ -48,10 +48,13 @@ class BarChart : public QWidget, public ISimpleSerializable {
     // element for float and would drop the value silently.
     Q_PROPERTY(double HMarginPercent READ HMarginPercentProperty WRITE SetHMarginPercentProperty)
     Q_PROPERTY(double MaxValue READ MaxValueProperty WRITE SetMaxValueProperty)
-    Q_PROPERTY(int BarColor READ BarColor WRITE SetBarColor)
+    // The integer colours are the hosts'; form designers edit the same colours as QColor.
+    Q_PROPERTY(int BarColor READ BarColor WRITE SetBarColor DESIGNABLE false)
+    Q_PROPERTY(QColor barColor READ BarQColor WRITE SetBarQColor)
     Q_PROPERTY(int Columns READ Columns WRITE SetColumns)
     Q_PROPERTY(int RoundedCorner READ StoredRoundedCorner WRITE SetRoundedCorner)
-    Q_PROPERTY(int BackColor READ StoredBackColor WRITE SetBackColor)
+    Q_PROPERTY(int BackColor READ StoredBackColor WRITE SetBackColor DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ BackQColor WRITE SetBackQColor)
     Q_PROPERTY(QString Tag READ Tag WRITE SetTag)
 
 public:
@@ -85,6 +88,11 @@ public:
     // 0x00BBGGRR.
     std::int32_t BarColor() const { return m_barColor; }
     void SetBarColor(std::int32_t pValue) { m_barColor = pValue; }
+    QColor BarQColor() const;
+    void SetBarQColor(const QColor& pColour);
+    // The background as a colour, without the side effects of BackColor().
+    QColor BackQColor() const;
+    void SetBackQColor(const QColor& pColour);
 
     // The number of bars. Setting 0 is ignored; a gauge always has one column whatever is set;
     // for vertical bars the picture's horizontal scale becomes the column count.
@@ -147,6 +155,11 @@ public:
     // Back to the state of a new chart, except RoundedCorner, BarColor and ShowCopyPrint.
     void Reset();
 
+    // The bar under a point of the control (in the control's coordinates): its column for
+    // vertical bars, 0 for the horizontal bar, -1 where no bar is drawn. What the tool tip
+    // shows a value for, for hosts that explain a bar in their own words.
+    std::int32_t BarAt(const QPoint& pPosition) const;
+
     // ---- menu commands ----
     // The control's picture to the clipboard.
     void CopyChart();
@@ -188,6 +201,8 @@ private:
     void OnMenu(int pIndex);
     void UpdateToolTip(double pPixelX, double pPixelY);
     QString ToolTipAt(double pX, double pY) const;
+    // The bar under a point of the picture in its scale units, as BarAt.
+    std::int64_t BarUnder(double pX, double pY) const;
 
     // The value of bar pIndex in the current array; ChartError 9 beyond its end.
     double BarValue(std::int64_t pIndex) const;

@@ -2,6 +2,7 @@
 
 #include <trv5charts/capture.h>
 
+#include <QColor>
 #include <QFont>
 #include <QSize>
 #include <QString>
@@ -23,6 +24,10 @@ class ChartMenu;
 class DrawingSurface;
 } // namespace platform
 
+namespace roc {
+struct Layout;
+} // namespace roc
+
 class VerticalLabel;
 
 // A receiver operating characteristic curve that the host has computed: the points as parallel
@@ -31,16 +36,27 @@ class VerticalLabel;
 // tick labels in tenths, axis titles, a legend and the AUC figures, and offers a context menu
 // to copy the chart as a picture or its data as text.
 //
+// Below the size its texts need, the chart keeps its plot readable: tick labels thin out to
+// every second one and then go, the axis titles drop whole words from their ends, and the
+// legend with the AUC figures takes smaller fonts or, at the last, makes way.
+//
 // The host calls SetDataSource, SetAUC and then Refresh. The chart never reports an error:
 // a curve it cannot draw leaves an empty plot.
 class ROCChart : public QWidget {
     Q_OBJECT
-    Q_PROPERTY(int ROCColor READ ROCColor WRITE SetROCColor)
-    Q_PROPERTY(int DiagonalColor READ DiagonalColor WRITE SetDiagonalColor)
-    Q_PROPERTY(int LabelsColor READ LabelsColor WRITE SetLabelsColor)
-    Q_PROPERTY(int FrameColor READ FrameColor WRITE SetFrameColor)
-    Q_PROPERTY(int BackColor READ BackColor WRITE SetBackColor)
-    Q_PROPERTY(int ForeColor READ ForeColor WRITE SetForeColor)
+    // The integer colours are the hosts'; form designers edit the same colours as QColor.
+    Q_PROPERTY(int ROCColor READ ROCColor WRITE SetROCColor DESIGNABLE false)
+    Q_PROPERTY(QColor rocColor READ ROCQColor WRITE SetROCQColor)
+    Q_PROPERTY(int DiagonalColor READ DiagonalColor WRITE SetDiagonalColor DESIGNABLE false)
+    Q_PROPERTY(QColor diagonalColor READ DiagonalQColor WRITE SetDiagonalQColor)
+    Q_PROPERTY(int LabelsColor READ LabelsColor WRITE SetLabelsColor DESIGNABLE false)
+    Q_PROPERTY(QColor labelsColor READ LabelsQColor WRITE SetLabelsQColor)
+    Q_PROPERTY(int FrameColor READ FrameColor WRITE SetFrameColor DESIGNABLE false)
+    Q_PROPERTY(QColor frameColor READ FrameQColor WRITE SetFrameQColor)
+    Q_PROPERTY(int BackColor READ BackColor WRITE SetBackColor DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ BackQColor WRITE SetBackQColor)
+    Q_PROPERTY(int ForeColor READ ForeColor WRITE SetForeColor DESIGNABLE false)
+    Q_PROPERTY(QColor foreColor READ ForeQColor WRITE SetForeQColor)
     Q_PROPERTY(bool ShowTooltip READ ShowTooltip WRITE SetShowTooltip)
 
 public:
@@ -70,6 +86,20 @@ public:
     // The colour of the titles, legend captions and AUC figures.
     std::int32_t ForeColor() const { return m_foreColor; }
     void SetForeColor(std::int32_t pColour);
+
+    // The colours above as QColor, for form designers.
+    QColor ROCQColor() const;
+    void SetROCQColor(const QColor& pColour);
+    QColor DiagonalQColor() const;
+    void SetDiagonalQColor(const QColor& pColour);
+    QColor LabelsQColor() const;
+    void SetLabelsQColor(const QColor& pColour);
+    QColor FrameQColor() const;
+    void SetFrameQColor(const QColor& pColour);
+    QColor BackQColor() const;
+    void SetBackQColor(const QColor& pColour);
+    QColor ForeQColor() const;
+    void SetForeQColor(const QColor& pColour);
     // The font of the control, its plot and its tick labels.
     QFont Font() const { return font(); }
     void SetFont(const QFont& pFont);
@@ -111,6 +141,7 @@ private:
     // Places the children and draws everything for the current size.
     void ApplyLayout();
     void PlaceChildren();
+    void PlaceLegendColumn(const roc::Layout& pLayout);
     // Draws the frame and, as the plot content says, the diagonal and the curve; false when
     // the curve could not be drawn (the plot is then left empty).
     bool Redraw();

@@ -4,6 +4,7 @@
 #include <trv5charts/isimpleserializable.h>
 #include <trv5charts/series.h>
 
+#include <QColor>
 #include <QString>
 #include <QWidget>
 
@@ -49,7 +50,9 @@ class RTChart : public QWidget, public ISimpleSerializable {
     Q_PROPERTY(bool ShowXAxis READ ShowXAxis WRITE SetShowXAxis)
     Q_PROPERTY(bool SortBothStandardizedSeries READ SortBothStandardizedSeries WRITE
                    SetSortBothStandardizedSeries)
-    Q_PROPERTY(int BackColor READ BackColor WRITE SetBackColor)
+    // The integer colours are the hosts'; form designers edit the same colours as QColor.
+    Q_PROPERTY(int BackColor READ BackColor WRITE SetBackColor DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ BackQColor WRITE SetBackQColor)
     Q_PROPERTY(QString Tag READ Tag WRITE SetTag)
 
 public:
@@ -76,6 +79,8 @@ public:
     // 0x00BBGGRR, shared by the control and its scale labels.
     std::int32_t BackColor() const { return m_backColor; }
     void SetBackColor(std::int32_t pColour);
+    QColor BackQColor() const;
+    void SetBackQColor(const QColor& pColour);
 
     // Stored for the host.
     const QString& Tag() const { return m_tag; }

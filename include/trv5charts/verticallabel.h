@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QString>
 #include <QWidget>
 
@@ -21,7 +22,9 @@ class DrawingSurface;
 // another face.
 class VerticalLabel : public QWidget {
     Q_OBJECT
-    Q_PROPERTY(int BackColor READ BackColor WRITE SetBackColor)
+    // The integer colour is the hosts'; form designers edit the same colour as QColor.
+    Q_PROPERTY(int BackColor READ BackColor WRITE SetBackColor DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ BackQColor WRITE SetBackQColor)
     Q_PROPERTY(QString Text READ Text WRITE SetText)
 
 public:
@@ -34,6 +37,8 @@ public:
     // draws the caption again.
     std::int32_t BackColor() const { return m_backColor; }
     void SetBackColor(std::int32_t pColour);
+    QColor BackQColor() const;
+    void SetBackQColor(const QColor& pColour);
 
     // The caption; an empty text leaves a plain background.
     const QString& Text() const { return m_text; }
@@ -41,6 +46,8 @@ public:
 
     // The caption's line height across and its length down.
     QSize sizeHint() const override;
+    // The length pText would take as the caption.
+    int TextLength(const QString& pText) const;
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;

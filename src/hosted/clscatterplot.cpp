@@ -70,7 +70,10 @@ struct CLScatterPlot::Scan {
 
 CLScatterPlot::CLScatterPlot(QWidget* pParent)
     : HostedChartFrame(QStringLiteral(":/trv5charts/clscatterplot.json"), pParent),
-      m_random(std::make_unique<hosted::RandomValues>()) {}
+      m_random(std::make_unique<hosted::RandomValues>()) {
+    // Records crowd wherever the model is sure of them, often in a corner; the legend gives way.
+    Engine().SetLegendAvoidsPoints(true);
+}
 
 CLScatterPlot::~CLScatterPlot() = default;
 

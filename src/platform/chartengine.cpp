@@ -416,6 +416,16 @@ void ChartEngine::SetLegendVisible(bool pVisible) {
     m_state->Invalidate();
 }
 
+void ChartEngine::SetLegendAvoidsPoints(bool pAvoid) {
+    m_state->legendAvoidsPoints = pAvoid;
+    m_state->Invalidate();
+}
+
+QRect ChartEngine::LegendRect() const {
+    const QCPLegend& legend = *m_state->plot->legend;
+    return legend.visible() ? legend.outerRect() : QRect();
+}
+
 QColor ChartEngine::BackgroundColour() const {
     return m_state->background.value_or(m_state->palette.background);
 }

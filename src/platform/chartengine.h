@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QObject>
 #include <QPointF>
+#include <QRect>
 #include <QSize>
 #include <QString>
 #include <QStringView>
@@ -226,6 +227,12 @@ public:
 
     bool LegendVisible() const;
     void SetLegendVisible(bool pVisible);
+    // Whether each frame moves the legend to the corner of the diagram where it covers the
+    // fewest points, rather than keeping the content's corner (which still wins a tie). Kept
+    // when new content is loaded.
+    void SetLegendAvoidsPoints(bool pAvoid);
+    // Where the last frame drew the legend, in control pixels; empty when it drew none.
+    QRect LegendRect() const;
     QColor BackgroundColour() const;
     void SetBackgroundColour(const QColor& pColour);
     QColor DiagramBackgroundColour() const;

@@ -39,6 +39,11 @@ QPalette::ColorRole RoleOfSystemColour(std::uint32_t pIndex) {
 
 } // namespace
 
+std::int32_t FromQColor(const QColor& pColour) {
+    const QColor rgb = pColour.toRgb();
+    return rgb.red() | (rgb.green() << 8) | (rgb.blue() << 16);
+}
+
 QColor ToQColor(std::int32_t pColour) {
     const auto bits = static_cast<std::uint32_t>(pColour);
     if ((bits & 0x80000000U) != 0U) {

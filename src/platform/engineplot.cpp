@@ -2,8 +2,10 @@
 
 #include <QFontMetrics>
 #include <QLocale>
+#include <QStyle>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -393,12 +395,15 @@ EngineState::EngineState(ChartEngine& pOwner, QWidget* pParent)
         axis->setSubTicks(false);
     }
     syncConnection = QObject::connect(plot, &QCustomPlot::beforeReplot, plot, [this] { Sync(); });
+    layoutConnection =
+        QObject::connect(plot, &QCustomPlot::afterLayout, plot, [this] { PlaceLegend(); });
     CreateTitles({});
 }
 
 EngineState::~EngineState() {
     // Nothing of the plot may call back into a state that is gone.
     QObject::disconnect(syncConnection);
+    QObject::disconnect(layoutConnection);
     if (plotGuard) {
         delete labels;
         delete plot;
@@ -718,6 +723,46 @@ void EngineState::Sync() {
     legend.setBrush(QBrush(palette.legendBackground));
     legend.setBorderPen(QPen(palette.border, 0));
     plot->axisRect()->insetLayout()->setInsetAlignment(0, ToQtAlignment(legendPosition));
+}
+
+void EngineState::PlaceLegend() {
+    QCPLayoutInset& inset = *plot->axisRect()->insetLayout();
+    if (!legendAvoidsPoints || !legendVisible || inset.elementCount() == 0) {
+        return;
+    }
+    const QRect area = plot->axisRect()->rect();
+    const QSize size = plot->legend->outerRect().size();
+    if (area.isEmpty() || size.isEmpty()) {
+        return;
+    }
+    // The configured corner first, so that it wins a tie.
+    std::array<LegendPosition, 4> corners{LegendPosition::TopRight, LegendPosition::TopLeft,
+                                          LegendPosition::BottomRight, LegendPosition::BottomLeft};
+    std::iter_swap(corners.begin(), std::find(corners.begin(), corners.end(), legendPosition));
+    std::array<QRectF, 4> boxes;
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        boxes[i] = QStyle::alignedRect(Qt::LeftToRight, ToQtAlignment(corners[i]), size, area);
+    }
+    std::array<std::int64_t, 4> covered{};
+    for (const SeriesPlot& seriesPlot : plots) {
+        const QCPGraph& graph = *seriesPlot.graph;
+        if (!graph.visible()) {
+            continue;
+        }
+        for (const QCPGraphData& point : *graph.data()) {
+            const QPointF at(graph.keyAxis()->coordToPixel(point.key),
+                             graph.valueAxis()->coordToPixel(point.value));
+            for (std::size_t i = 0; i < boxes.size(); ++i) {
+                covered[i] += boxes[i].contains(at) ? 1 : 0;
+            }
+        }
+    }
+    const auto fewest = std::min_element(covered.begin(), covered.end()) - covered.begin();
+    const Qt::Alignment alignment = ToQtAlignment(corners[static_cast<std::size_t>(fewest)]);
+    if (inset.insetAlignment(0) != alignment) {
+        inset.setInsetAlignment(0, alignment);
+        inset.updateLayout();
+    }
 }
 
 std::int32_t EngineState::PointIndex(const SeriesPlot& pPlot, std::int64_t pPosition) const {

@@ -88,6 +88,10 @@ struct EngineState {
     void SyncTitles();
     void SyncAxis(const ChartAxis& pAxis, QCPAxis& pPlotAxis, bool pHorizontal);
     void ArrangeLayout();
+    // With legendAvoidsPoints, moves the legend to the corner of the diagram where it covers
+    // the fewest drawn points (the configured corner on a tie); called once the frame's layout
+    // is known.
+    void PlaceLegend();
 
     QColor SeriesColour(std::size_t pIndex) const;
     void RemoveSeries();
@@ -113,9 +117,11 @@ struct EngineState {
     std::optional<QColor> diagramBackground;
     bool legendVisible = false;
     LegendPosition legendPosition = LegendPosition::TopRight;
+    bool legendAvoidsPoints = false;
     std::function<QString(double)> numberFormat;
     PointLabelLayer* labels = nullptr;
     QMetaObject::Connection syncConnection;
+    QMetaObject::Connection layoutConnection;
     // The ranges the last frame showed, without the hair of slack added for the plot.
     QCPRange drawnX{0.0, 5.0};
     QCPRange drawnY{0.0, 5.0};

@@ -48,10 +48,45 @@ constexpr int kSampleLength = 24;
 constexpr int kLegendRowSpacing = 2;
 constexpr int kMinimumRowHeight = 13;
 
-QFont CaptionFont() {
-    QFont font(QStringLiteral("Tahoma"), 8);
+constexpr double kCaptionPoints = 8.0;
+
+// The axis titles at full length; a small chart shows as many of their words as fit.
+const QString kHorizontalTitle = QStringLiteral("FP Rate (1-Specificity)");
+const QString kVerticalTitle = QStringLiteral("TP Rate (Sensitivity)");
+// The widest point count the layout keeps room for before the count itself is known.
+const QString kRecordsSample = QStringLiteral("Points 1 to 0000000");
+
+QFont CaptionFont(double pScale = 1.0) {
+    QFont font(QStringLiteral("Tahoma"));
+    font.setPointSizeF(kCaptionPoints * pScale);
     font.setStyleHint(QFont::SansSerif);
     return font;
+}
+
+QFont ValueFont(double pScale = 1.0) {
+    // The figures are what a reader looks for first.
+    QFont font = CaptionFont(pScale);
+    font.setBold(true);
+    return font;
+}
+
+int Scaled(int pLength, double pScale) {
+    return static_cast<int>(std::lround(pLength * pScale));
+}
+
+double RowHeight(const QFontMetricsF& pCaption, double pScale) {
+    return std::max(std::round(kMinimumRowHeight * pScale), pCaption.height());
+}
+
+// The legend panel: a sample and a caption on each of two rows.
+QSize LegendSize(const QFontMetricsF& pCaption, double pScale, const QString& pFirst,
+                 const QString& pSecond) {
+    const double captionWidth =
+        std::max(pCaption.horizontalAdvance(pFirst), pCaption.horizontalAdvance(pSecond));
+    const int row = static_cast<int>(std::ceil(RowHeight(pCaption, pScale)));
+    const int padding = Scaled(kLegendPadding, pScale);
+    return {padding * 3 + Scaled(kSampleLength, pScale) + static_cast<int>(std::ceil(captionWidth)),
+            padding * 2 + Scaled(kLegendRowSpacing, pScale) + 2 * row};
 }
 
 void SetTextColour(QLabel* pLabel, std::int32_t pColour) {
@@ -84,8 +119,7 @@ ROCChart::ROCChart(QWidget* pParent) : QWidget(pParent) {
         lblY[i] = MakeLabel(this, QStringLiteral("lblY"));
         lblY[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
-    lblHLegend =
-        MakeLabel(this, QStringLiteral("lblHLegend"), QStringLiteral("FP Rate (1-Specificity)"));
+    lblHLegend = MakeLabel(this, QStringLiteral("lblHLegend"), kHorizontalTitle);
     QFont titleFont = CaptionFont();
     titleFont.setPixelSize(kTitlePixelHeight);
     lblHLegend->setFont(titleFont);
@@ -108,7 +142,7 @@ ROCChart::ROCChart(QWidget* pParent) : QWidget(pParent) {
 
     m_surface->lower();
     m_frameColor = m_foreColor;
-    vlLegend->SetText(QStringLiteral("TP Rate (Sensitivity)"));
+    vlLegend->SetText(kVerticalTitle);
     SetTextColour(lblRecords, kRecordsColour);
     SetForeColor(m_foreColor);
     SetBackColor(m_backColor);
@@ -146,11 +180,8 @@ void ROCChart::CreateAucLabels() {
         label->setFont(CaptionFont());
         label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     }
-    // The figures are what a reader looks for first.
-    QFont valueFont = CaptionFont();
-    valueFont.setBold(true);
-    lblAUC->setFont(valueFont);
-    lbl1MinusAuc->setFont(valueFont);
+    lblAUC->setFont(ValueFont());
+    lbl1MinusAuc->setFont(ValueFont());
 }
 
 // ---- properties ----
@@ -201,6 +232,54 @@ void ROCChart::SetForeColor(std::int32_t pColour) {
     QPalette palette = this->palette();
     palette.setColor(QPalette::WindowText, platform::ToQColor(pColour));
     setPalette(palette);
+}
+
+QColor ROCChart::ROCQColor() const {
+    return platform::ToQColor(ROCColor());
+}
+
+void ROCChart::SetROCQColor(const QColor& pColour) {
+    SetROCColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::DiagonalQColor() const {
+    return platform::ToQColor(DiagonalColor());
+}
+
+void ROCChart::SetDiagonalQColor(const QColor& pColour) {
+    SetDiagonalColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::LabelsQColor() const {
+    return platform::ToQColor(LabelsColor());
+}
+
+void ROCChart::SetLabelsQColor(const QColor& pColour) {
+    SetLabelsColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::FrameQColor() const {
+    return platform::ToQColor(FrameColor());
+}
+
+void ROCChart::SetFrameQColor(const QColor& pColour) {
+    SetFrameColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::BackQColor() const {
+    return platform::ToQColor(BackColor());
+}
+
+void ROCChart::SetBackQColor(const QColor& pColour) {
+    SetBackColor(platform::FromQColor(pColour));
+}
+
+QColor ROCChart::ForeQColor() const {
+    return platform::ToQColor(ForeColor());
+}
+
+void ROCChart::SetForeQColor(const QColor& pColour) {
+    SetForeColor(platform::FromQColor(pColour));
 }
 
 void ROCChart::SetFont(const QFont& pFont) {
@@ -256,6 +335,11 @@ void ROCChart::Refresh() {
                                    QString::number(static_cast<long long>(m_fpRates.size()) - 1);
             pic->SetToolTipText(points);
             lblRecords->setText(points);
+            // A count longer than the room kept for it moves the legend column.
+            if (QFontMetricsF(lblRecords->font(), this).horizontalAdvance(points) >
+                lblRecords->width()) {
+                ApplyLayout();
+            }
         }
     } catch (...) {
         pic->Cls();
@@ -340,33 +424,36 @@ void ROCChart::PlaceChildren() {
     m_layoutSize = size();
     const QFontMetricsF ticks(font(), this);
     const QFontMetricsF title(lblHLegend->font(), this);
-    const QFontMetricsF caption(lblAucLabel->font(), this);
-    const QFontMetricsF value(lblAUC->font(), this);
+    const auto titleWidth = [&title](const QString& pText) {
+        return title.horizontalAdvance(pText) + 4.0;
+    };
 
-    const double captionHeight = std::max<double>(kMinimumRowHeight, caption.height());
-    const double captionWidth = std::max(caption.horizontalAdvance(lblROCCurve->text()),
-                                         caption.horizontalAdvance(lblBaseline->text()));
-    const QSize legendSize(
-        kLegendPadding * 3 + kSampleLength + static_cast<int>(std::ceil(captionWidth)),
-        kLegendPadding * 2 + kLegendRowSpacing + 2 * static_cast<int>(std::ceil(captionHeight)));
-
-    roc::LayoutInput input;
-    input.width = width();
-    input.height = height();
-    input.heightPercent = m_heightPercent;
-    input.tickLabel =
-        QSizeF(ticks.horizontalAdvance(LocalizationLib::FormatFixed(0.0, 1)) + 2.0, ticks.height());
-    input.tickDigitMiddle = ticks.ascent() - ticks.capHeight() / 2.0;
-    input.horizontalTitle =
-        QSizeF(title.horizontalAdvance(lblHLegend->text()) + 4.0, std::ceil(title.height()));
-    input.verticalTitleThickness = vlLegend->sizeHint().width();
-    input.legend = legendSize;
-    input.aucCaptionWidth = std::max(caption.horizontalAdvance(lblAucLabel->text()),
-                                     caption.horizontalAdvance(lbl1MinusAucLabel->text()));
-    input.aucValueWidth = std::max(value.horizontalAdvance(QStringLiteral("UNDEFINED")),
-                                   value.horizontalAdvance(QStringLiteral("0.000000")));
-    input.rowHeight = captionHeight + 2.0;
-    const roc::Layout layout = roc::ComputeLayout(input);
+    const auto inputAt = [&](double pScale) {
+        const QFontMetricsF caption(CaptionFont(pScale), this);
+        const QFontMetricsF value(ValueFont(pScale), this);
+        roc::LayoutInput input;
+        input.width = width();
+        input.height = height();
+        input.heightPercent = m_heightPercent;
+        input.tickLabel = QSizeF(
+            ticks.horizontalAdvance(LocalizationLib::FormatFixed(0.0, 1)) + 2.0, ticks.height());
+        input.tickDigitMiddle = ticks.ascent() - ticks.capHeight() / 2.0;
+        input.horizontalTitle =
+            QSizeF(std::ceil(titleWidth(kHorizontalTitle)), std::ceil(title.height()));
+        input.verticalTitleThickness = vlLegend->sizeHint().width();
+        input.verticalTitleLength = vlLegend->TextLength(kVerticalTitle);
+        input.legendScale = pScale;
+        input.legend = LegendSize(caption, pScale, lblROCCurve->text(), lblBaseline->text());
+        input.aucCaptionWidth = std::max(caption.horizontalAdvance(lblAucLabel->text()),
+                                         caption.horizontalAdvance(lbl1MinusAucLabel->text()));
+        input.aucValueWidth = std::max(value.horizontalAdvance(QStringLiteral("UNDEFINED")),
+                                       value.horizontalAdvance(QStringLiteral("0.000000")));
+        input.rowHeight = RowHeight(caption, pScale) + 2.0;
+        input.recordsWidth = std::max(caption.horizontalAdvance(kRecordsSample),
+                                      caption.horizontalAdvance(lblRecords->text()));
+        return input;
+    };
+    const roc::Layout layout = roc::ComputeFittedLayout(inputAt);
 
     m_surface->setGeometry(rect());
     pic->setGeometry(layout.plot);
@@ -374,22 +461,41 @@ void ROCChart::PlaceChildren() {
         lblX[i]->setGeometry(layout.xLabels[i]);
         lblY[i]->setGeometry(layout.yLabels[i]);
     }
+    lblHLegend->setText(
+        roc::FitWords(kHorizontalTitle, layout.horizontalTitle.width(), titleWidth));
     lblHLegend->setGeometry(layout.horizontalTitle);
     vlLegend->setGeometry(layout.verticalTitle);
-    picLegend->setGeometry(layout.legend);
-    const int row = static_cast<int>(std::ceil(captionHeight));
-    const int captionLeft = kLegendPadding * 2 + kSampleLength;
-    const int captionRoom = std::max(0, legendSize.width() - captionLeft - kLegendPadding);
-    lnROCCurve->setGeometry(kLegendPadding, kLegendPadding, kSampleLength, row);
-    lblROCCurve->setGeometry(captionLeft, kLegendPadding, captionRoom, row);
-    const int secondRow = kLegendPadding + row + kLegendRowSpacing;
-    lnBaseline->setGeometry(kLegendPadding, secondRow, kSampleLength, row);
+    vlLegend->SetText(
+        roc::FitWords(kVerticalTitle, layout.verticalTitle.height(),
+                      [this](const QString& pText) { return vlLegend->TextLength(pText); }));
+    PlaceLegendColumn(layout);
+}
+
+void ROCChart::PlaceLegendColumn(const roc::Layout& pLayout) {
+    const double scale = pLayout.legendScale;
+    for (QLabel* label : {lblROCCurve, lblBaseline, lblAucLabel, lbl1MinusAucLabel, lblRecords}) {
+        label->setFont(CaptionFont(scale));
+    }
+    lblAUC->setFont(ValueFont(scale));
+    lbl1MinusAuc->setFont(ValueFont(scale));
+
+    picLegend->setGeometry(pLayout.legend);
+    const QFontMetricsF caption(CaptionFont(scale), this);
+    const int row = static_cast<int>(std::ceil(RowHeight(caption, scale)));
+    const int padding = Scaled(kLegendPadding, scale);
+    const int sample = Scaled(kSampleLength, scale);
+    const int captionLeft = padding * 2 + sample;
+    const int captionRoom = std::max(0, pLayout.legend.width() - captionLeft - padding);
+    lnROCCurve->setGeometry(padding, padding, sample, row);
+    lblROCCurve->setGeometry(captionLeft, padding, captionRoom, row);
+    const int secondRow = padding + row + Scaled(kLegendRowSpacing, scale);
+    lnBaseline->setGeometry(padding, secondRow, sample, row);
     lblBaseline->setGeometry(captionLeft, secondRow, captionRoom, row);
-    lblAucLabel->setGeometry(layout.aucCaption);
-    lblAUC->setGeometry(layout.aucValue);
-    lbl1MinusAucLabel->setGeometry(layout.minusAucCaption);
-    lbl1MinusAuc->setGeometry(layout.minusAucValue);
-    lblRecords->setGeometry(layout.records);
+    lblAucLabel->setGeometry(pLayout.aucCaption);
+    lblAUC->setGeometry(pLayout.aucValue);
+    lbl1MinusAucLabel->setGeometry(pLayout.minusAucCaption);
+    lbl1MinusAuc->setGeometry(pLayout.minusAucValue);
+    lblRecords->setGeometry(pLayout.records);
 }
 
 // ---- menu, copy and print ----

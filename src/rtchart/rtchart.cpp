@@ -97,6 +97,14 @@ void RTChart::ApplyBackColor(QWidget* pWidget) const {
     pWidget->setAutoFillBackground(true);
 }
 
+QColor RTChart::BackQColor() const {
+    return platform::ToQColor(m_backColor);
+}
+
+void RTChart::SetBackQColor(const QColor& pColour) {
+    SetBackColor(platform::FromQColor(pColour));
+}
+
 void RTChart::SetBackColor(std::int32_t pColour) {
     m_backColor = pColour;
     ApplyBackColor(this);

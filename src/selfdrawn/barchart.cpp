@@ -1,6 +1,7 @@
 #include <trv5charts/barchart.h>
 
 #include "platform/chartmenu.h"
+#include "platform/colour.h"
 #include "platform/drawingsurface.h"
 #include "selfdrawn/barchart_support.h"
 
@@ -130,6 +131,22 @@ void BarChart::SetBackColor(std::int32_t pValue) {
 std::int32_t BarChart::BackColor() {
     SetBarColor(m_pic->ForeColor());
     return 0;
+}
+
+QColor BarChart::BarQColor() const {
+    return platform::ToQColor(m_barColor);
+}
+
+void BarChart::SetBarQColor(const QColor& pColour) {
+    SetBarColor(platform::FromQColor(pColour));
+}
+
+QColor BarChart::BackQColor() const {
+    return platform::ToQColor(StoredBackColor());
+}
+
+void BarChart::SetBackQColor(const QColor& pColour) {
+    SetBackColor(platform::FromQColor(pColour));
 }
 
 std::int32_t BarChart::StoredBackColor() const {

@@ -162,9 +162,31 @@ void BarChart::UpdateToolTip(double pPixelX, double pPixelY) {
     }
 }
 
-QString BarChart::ToolTipAt(double pX, double pY) const {
+std::int64_t BarChart::BarUnder(double pX, double pY) const {
     // Only a pixel in the bar colour is a bar; the outlines and the background are not.
     if (m_pic->Point(pX, pY) != m_barColor) {
+        return -1;
+    }
+    if (m_chartType != ctMultiVerticalBars) {
+        return 0;
+    }
+    return m_columns < barchart::kTouchingBarsFrom ? ColumnAt(pX * m_columns / m_pic->ScaleWidth())
+                                                   : ColumnAt(pX);
+}
+
+std::int32_t BarChart::BarAt(const QPoint& pPosition) const {
+    const QPointF at = m_pic->mapFrom(this, QPointF(pPosition)) + QPointF(0.5, 0.5);
+    try {
+        const std::int64_t bar = BarUnder(m_pic->ToUserX(at.x()), m_pic->ToUserY(at.y()));
+        return bar >= 0 && bar < m_columns ? static_cast<std::int32_t>(bar) : -1;
+    } catch (const ChartError&) {
+        return -1;
+    }
+}
+
+QString BarChart::ToolTipAt(double pX, double pY) const {
+    const std::int64_t column = BarUnder(pX, pY);
+    if (column < 0) {
         return {};
     }
     QString value;
@@ -174,12 +196,6 @@ QString BarChart::ToolTipAt(double pX, double pY) const {
         }
         value = QString::number(m_longData.front());
     } else {
-        const std::int64_t column = m_columns < barchart::kTouchingBarsFrom
-                                        ? ColumnAt(pX * m_columns / m_pic->ScaleWidth())
-                                        : ColumnAt(pX);
-        if (column < 0) {
-            return {};
-        }
         const auto index = static_cast<std::size_t>(column);
         if (m_valuesType == kDoubleValues && index < m_doubleData.size()) {
             value = LocalizationLib::DoubleToUserText(m_doubleData[index]);

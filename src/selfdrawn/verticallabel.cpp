@@ -63,6 +63,14 @@ void VerticalLabel::SetBackColor(std::int32_t pColour) {
     }
 }
 
+QColor VerticalLabel::BackQColor() const {
+    return platform::ToQColor(m_backColor);
+}
+
+void VerticalLabel::SetBackQColor(const QColor& pColour) {
+    SetBackColor(platform::FromQColor(pColour));
+}
+
 void VerticalLabel::SetText(const QString& pText) {
     m_text = pText;
     RedrawText();
@@ -71,6 +79,10 @@ void VerticalLabel::SetText(const QString& pText) {
 QSize VerticalLabel::sizeHint() const {
     const QFontMetrics metrics(CaptionFont(font().family()), this);
     return {metrics.height(), metrics.horizontalAdvance(m_text)};
+}
+
+int VerticalLabel::TextLength(const QString& pText) const {
+    return QFontMetrics(CaptionFont(font().family()), this).horizontalAdvance(pText);
 }
 
 void VerticalLabel::resizeEvent(QResizeEvent* pEvent) {

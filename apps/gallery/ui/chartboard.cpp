@@ -6,12 +6,14 @@
 #include <trv5charts/barchart.h>
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/curvefitting.h>
+#include <trv5charts/numberformat.h>
 #include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/scatterplot.h>
 #include <trv5charts/stackeddistributionchart.h>
 #include <trv5charts/verticallabel.h>
 
+#include <QHelpEvent>
 #include <QLayout>
 #include <QWidget>
 
@@ -60,13 +62,7 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
     m_usageCaption->SetText(QStringLiteral("Share of weights (%)"));
     m_usageCaption->setFixedWidth(m_usageCaption->sizeHint().width());
 
-    m_roc = new ROCChart(pParent);
-    Prepare(*m_roc, QString::fromLatin1(chartname::kRoc));
-    m_roc->SetBackColor(style::kWhite);
-    m_roc->SetROCColor(style::kRocCurve);
-    m_roc->SetDiagonalColor(style::kDiagonal);
-    m_roc->SetInverted(true);
-    m_roc->Refresh();
+    m_roc = MakeRoc(pParent);
 
     m_scatter = new ScatterPlot(pParent);
     // One series of records and the regression line: a legend would say nothing.
@@ -93,6 +89,19 @@ RTChart* ChartBoard::MakeProgress(QWidget* pParent) const {
     Prepare(*chart, QString::fromLatin1(chartname::kProgress));
     chart->SetBackColor(style::kWhite);
     chart->SetShowXAxis(true);
+    // The pointer over a line names the series, the generation and its value.
+    chart->SetShowRecordsOnToolTip(true);
+    return chart;
+}
+
+ROCChart* ChartBoard::MakeRoc(QWidget* pParent) const {
+    auto* chart = new ROCChart(pParent);
+    Prepare(*chart, QString::fromLatin1(chartname::kRoc));
+    chart->SetBackColor(style::kWhite);
+    chart->SetROCColor(style::kRocCurve);
+    chart->SetDiagonalColor(style::kDiagonal);
+    chart->SetInverted(true);
+    chart->Refresh();
     return chart;
 }
 
@@ -103,6 +112,10 @@ BarChart* ChartBoard::MakeUsage(QWidget* pParent) const {
     chart->SetBarColor(style::kUsageBars);
     chart->SetRoundedCorner(6);
     chart->SetDataPointName(QStringLiteral("Share of weights (%): "));
+    // The bars' own tool tip gives the share alone; the board names the variable.
+    if (auto* picture = chart->findChild<QWidget*>(QStringLiteral("pic"))) {
+        picture->installEventFilter(const_cast<ChartBoard*>(this));
+    }
     return chart;
 }
 
@@ -223,8 +236,36 @@ void ChartBoard::RestoreStates(const std::map<QString, QString>& pFragments) {
                        QString::fromLatin1(chartname::kValidationGauge), style::kValidationGauge));
 }
 
+QString ChartBoard::UsageToolTip(const QPoint& pPosition) const {
+    const std::int32_t bar = m_usage->BarAt(pPosition);
+    const auto values = m_usage->DoubleData();
+    if (bar < 0 || static_cast<std::size_t>(bar) >= values.size()) {
+        return {};
+    }
+    const QString name =
+        bar < m_usageNames.size() ? m_usageNames[bar] : QStringLiteral("Variable %1").arg(bar + 1);
+    return QStringLiteral("%1: %2 % of the weights")
+        .arg(name, NumberFormat::WithDigits(values[static_cast<std::size_t>(bar)], 1));
+}
+
+bool ChartBoard::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    if (pEvent->type() == QEvent::ToolTip && pWatched->parent() == m_usage) {
+        auto* picture = static_cast<QWidget*>(pWatched);
+        const QPoint at = picture->mapTo(m_usage, static_cast<QHelpEvent*>(pEvent)->pos());
+        // Where the chart shows no tip, neither does the board.
+        if (const QString tip = UsageToolTip(at); !tip.isEmpty() && !picture->toolTip().isEmpty()) {
+            picture->setToolTip(tip);
+        }
+    }
+    return QObject::eventFilter(pWatched, pEvent);
+}
+
 void ChartBoard::ClearResults() {
-    m_roc->Reset();
+    RestoreStates({});
+    ROCChart* old = m_roc;
+    m_roc = MakeRoc(old->parentWidget());
+    Replace(old, m_roc, m_roc->objectName());
+    m_usageNames.clear();
     m_scatter->Clear();
     m_curve->Clear();
     m_classes->Clear();

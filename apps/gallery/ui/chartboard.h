@@ -3,9 +3,11 @@
 #include <QObject>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QWidget;
@@ -79,17 +81,27 @@ public:
     // Fresh charts with saved state, each read from its fragment (FromString); charts without
     // a fragment are renewed empty. Unknown names are ignored.
     void RestoreStates(const std::map<QString, QString>& pFragments);
-    // Empties the charts that show results (not the ones with saved state).
+    // Empties every chart of the previous run: the ones with saved state are renewed empty, the
+    // ROC chart too (a reset one keeps its point count), the charts on the engine are cleared.
     void ClearResults();
+    // The names of the usage chart's bars, in bar order, for its tool tips.
+    void SetUsageNames(QStringList pNames) { m_usageNames = std::move(pNames); }
+    // The usage chart's tool tip for a point of the chart: the variable and its share; empty
+    // where there is no bar.
+    QString UsageToolTip(const QPoint& pPosition) const;
 
 signals:
     void chartReplaced(const QString& pName, QWidget* pWidget);
+
+protected:
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
     void CreateCharts(QWidget* pParent);
     RTChart* MakeProgress(QWidget* pParent) const;
     BarChart* MakeUsage(QWidget* pParent) const;
     BarChart* MakeGauge(QWidget* pParent, const QString& pName, std::int32_t pColour) const;
+    ROCChart* MakeRoc(QWidget* pParent) const;
     void Replace(QWidget* pOld, QWidget* pNew, const QString& pName);
 
     RTChart* m_progress = nullptr;
@@ -102,6 +114,7 @@ private:
     CurveFitting* m_curve = nullptr;
     CLScatterPlot* m_classes = nullptr;
     StackedDistributionChart* m_stacked = nullptr;
+    QStringList m_usageNames;
 };
 
 // Chart names used in project files and exports.

@@ -27,9 +27,14 @@ void WriteText(const QString& pPath, const QString& pText) {
 }
 
 QImage Picture(const ChartEntry& pChart) {
-    pChart.widget->resize(pChart.exportSize);
+    // The picture has the export size; the window gets its chart back as it was.
+    QWidget& widget = *pChart.widget;
+    const QRect placed = widget.geometry();
+    widget.resize(pChart.exportSize);
     QCoreApplication::processEvents();
-    const QImage picture = CaptureControl(pChart.widget);
+    const QImage picture = CaptureControl(&widget);
+    widget.setGeometry(placed);
+    QCoreApplication::processEvents();
     if (picture.isNull()) {
         throw GalleryError(pChart.name, QStringLiteral("the chart gave no picture"));
     }

@@ -56,7 +56,7 @@ ControlPanel::ControlPanel(QWidget* pParent) : QWidget(pParent) {
     layout->addWidget(CreateThresholdBox());
     layout->addWidget(CreateMeasuresBox());
     layout->addStretch(1);
-    setFixedWidth(300);
+    setMinimumWidth(300);
     SetSettings(RunSettings{});
     ShowMeasures(nullptr);
 }
@@ -123,6 +123,12 @@ QWidget* ControlPanel::CreateRunBox() {
     m_progress->setValue(0);
     layout->addLayout(buttons);
     layout->addWidget(m_progress);
+    // Before a run the bar counts to the generations set, so it never promises another number.
+    connect(m_generations, &QSpinBox::valueChanged, this, [this](int pGenerations) {
+        if (m_run->isEnabled()) {
+            ShowProgress(0, pGenerations);
+        }
+    });
     connect(m_run, &QPushButton::clicked, this, &ControlPanel::runRequested);
     connect(m_stop, &QPushButton::clicked, this, &ControlPanel::stopRequested);
     return box;
@@ -197,6 +203,9 @@ void ControlPanel::SetSettings(const RunSettings& pSettings) {
     const bool seedFits = pSettings.Seed <= static_cast<std::uint64_t>(m_seed->maximum());
     m_seed->setValue(seedFits ? static_cast<int>(pSettings.Seed) : m_seed->maximum());
     m_generations->setValue(pSettings.Generations);
+    if (m_run->isEnabled()) {
+        ShowProgress(0, pSettings.Generations);
+    }
     m_fitness->setCurrentIndex(m_fitness->findData(pSettings.Fitness));
     m_pace->setValue(pSettings.PaceMilliseconds);
     const QSignalBlocker blockSpin(m_threshold);

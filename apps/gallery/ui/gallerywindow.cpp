@@ -27,12 +27,16 @@
 #include <QFileInfo>
 #include <QFrame>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -46,6 +50,12 @@ namespace trv5::gallery {
 namespace {
 
 const QString kProjectFilter = QStringLiteral("Gallery projects (*.trv5gallery);;All files (*)");
+const QString kProjectExtension = QStringLiteral("trv5gallery");
+// The size the window would like, and the share of a smaller screen it takes.
+constexpr QSize kPreferredSize(1440, 900);
+constexpr double kScreenShare = 0.9;
+// The side panel's width; it scrolls when the window is lower than its boxes.
+constexpr int kPanelWidth = 300;
 
 // A white card with a title above its chart, so that the pages read as a dashboard.
 QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullptr) {
@@ -100,7 +110,15 @@ GalleryWindow::GalleryWindow(QWidget* pParent)
 
     SetCurrentChart(QString::fromLatin1(chartname::kProgress));
     statusBar()->showMessage(QStringLiteral("Ready: press Run to train a classifier on the data"));
-    resize(1440, 900);
+    const QScreen* display = screen() != nullptr ? screen() : QGuiApplication::primaryScreen();
+    resize(DefaultSize(display != nullptr ? display->availableGeometry().size() : kPreferredSize,
+                       minimumSizeHint()));
+}
+
+QSize GalleryWindow::DefaultSize(const QSize& pAvailable, const QSize& pMinimum) {
+    const QSize share(static_cast<int>(pAvailable.width() * kScreenShare),
+                      static_cast<int>(pAvailable.height() * kScreenShare));
+    return kPreferredSize.boundedTo(share).expandedTo(pMinimum);
 }
 
 GalleryWindow::~GalleryWindow() {
@@ -168,7 +186,15 @@ void GalleryWindow::BuildPages() {
     auto* layout = new QHBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(m_panel);
+    auto* panelScroll = new QScrollArea;
+    panelScroll->setObjectName(QStringLiteral("scrControlPanel"));
+    panelScroll->setWidget(m_panel);
+    panelScroll->setWidgetResizable(true);
+    panelScroll->setFrameShape(QFrame::NoFrame);
+    panelScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    panelScroll->setFixedWidth(kPanelWidth +
+                               panelScroll->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+    layout->addWidget(panelScroll);
     layout->addWidget(m_pages, 1);
     setCentralWidget(central);
     connect(m_pages, &QTabWidget::currentChanged, this, &GalleryWindow::OnPageChanged);
@@ -253,8 +279,13 @@ void GalleryWindow::OpenData(const QString& pPath) {
     m_topVariables->clear();
 }
 
-void GalleryWindow::SaveProject(const QString& pPath) {
-    projectstate::Capture(*m_board, m_panel->Settings(), m_session->DataSource()).Save(pPath);
+QString GalleryWindow::SaveProject(const QString& pPath) {
+    QString path = pPath;
+    if (QFileInfo(path).suffix().isEmpty()) {
+        path += u'.' + kProjectExtension;
+    }
+    projectstate::Capture(*m_board, m_panel->Settings(), m_session->DataSource()).Save(path);
+    return path;
 }
 
 void GalleryWindow::OpenProject(const QString& pPath) {
@@ -352,7 +383,7 @@ void GalleryWindow::OnSaveProject() {
         return;
     }
     try {
-        SaveProject(path);
+        path = SaveProject(path);
         statusBar()->showMessage(QStringLiteral("Saved %1").arg(QFileInfo(path).fileName()));
     } catch (const GalleryError& error) {
         ShowError(QStringLiteral("Save Project"), error.Text());

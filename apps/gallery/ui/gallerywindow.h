@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -41,8 +42,9 @@ public:
     // data when the file cannot be used.
     void OpenData(const QString& pPath);
     // Throws GalleryError when the file cannot be written or read; an open that fails changes
-    // nothing.
-    void SaveProject(const QString& pPath);
+    // nothing. A file name without an extension gets the project extension; returns the path
+    // written.
+    QString SaveProject(const QString& pPath);
     void OpenProject(const QString& pPath);
 
     // The name of the current chart.
@@ -50,6 +52,10 @@ public:
     void SetCurrentChart(const QString& pName);
     // Shows the page holding the chart.
     void RevealChart(const QString& pName);
+
+    // The size the window opens at on a screen whose available area is pAvailable: roomy on a
+    // large screen, within the area on a small one, never below the window's minimum.
+    static QSize DefaultSize(const QSize& pAvailable, const QSize& pMinimum);
 
     // Where errors go instead of a message box (the headless modes print them); null returns
     // to message boxes.

@@ -120,6 +120,7 @@ void ShowResults(ChartBoard& pBoard, const Results& pResults) {
     const auto ids = pResults.RecordIds();
 
     ShowUsage(pBoard.Usage(), pResults);
+    pBoard.SetUsageNames(pResults.FeatureNames());
 
     ROCChart& roc = pBoard.Roc();
     roc.SetDataSource(pResults.Roc().FPRates, pResults.Roc().TPRates);
