@@ -2,6 +2,7 @@
 
 #include "platform/chartengine.h"
 #include "platform/clipboardaccess.h"
+#include "platform/focusmark.h"
 #include "platform/frameborder.h"
 #include "platform/printeraccess.h"
 
@@ -26,6 +27,7 @@ HostedChartFrame::HostedChartFrame(QString pDefaultDefinition, QWidget* pParent)
       m_printDialog(std::make_shared<platform::QtPrintDialog>(this)) {
     mChart->SetLabelNumberFormat([](double pValue) { return NumberFormat::Short(pValue); });
     connect(mChart.get(), &platform::ChartEngine::MouseDown, this, &HostedChartFrame::MouseDown);
+    new platform::FocusMark(this);
     LayoutEngine();
 }
 

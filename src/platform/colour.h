@@ -4,10 +4,32 @@
 
 #include <cstdint>
 
+class QWidget;
+
 namespace trv5::platform {
 
 // The colour a host means by a 32-bit colour value: 0x00BBGGRR, or a system colour code
 // (high bit set, index in the low byte) taken from the application palette.
 QColor ToQColor(std::int32_t pColour);
+
+// True for a system colour code, whose colour follows the application palette.
+bool FollowsPalette(std::int32_t pColour);
+
+// The contrast ratio of two colours as accessibility guidelines define it (WCAG 2): from 1
+// (the same luminance) to 21 (black on white).
+double ContrastRatio(const QColor& pFirst, const QColor& pSecond);
+
+// Ordinary text needs this contrast against its background to be readable.
+inline constexpr double kReadableContrast = 4.5;
+
+// The colour to draw text of colour pText in on pBackground: pText itself when it reads there;
+// otherwise, on a background that follows the palette, the palette's text colour; otherwise
+// black or white, whichever reads better. A dark palette therefore never puts its light text on
+// a chart whose background is a fixed white.
+QColor ReadableText(std::int32_t pText, std::int32_t pBackground);
+
+// Gives a label (or any widget that paints text with its palette) the background pBackground
+// and text of colour pText made readable on it by ReadableText.
+void ColourLabel(QWidget& pLabel, std::int32_t pText, std::int32_t pBackground);
 
 } // namespace trv5::platform

@@ -2,6 +2,7 @@
 
 #include "platform/chartmenu.h"
 #include "platform/drawingsurface.h"
+#include "platform/focusmark.h"
 #include "selfdrawn/barchart_support.h"
 
 #include <trv5charts/charterror.h>
@@ -95,6 +96,9 @@ BarChart::BarChart(QWidget* pParent)
     m_menu->AddItem(QStringLiteral("-"), item);
     m_menu->AddItem(QStringLiteral("Print"), item);
     connect(m_menu, &platform::ChartMenu::Triggered, this, &BarChart::OnMenu);
+    connect(m_menu, &platform::ChartMenu::PrintFailed, this, &BarChart::PrintFailed);
+    new platform::FocusMark(this);
+    setAccessibleName(QStringLiteral("Bar chart"));
 
     PlacePicture();
 }
@@ -304,6 +308,10 @@ void BarChart::CopyChart() {
 
 void BarChart::PrintChart() {
     m_menu->PrintOwnerPicture();
+}
+
+void BarChart::PrintPreview() {
+    m_menu->PreviewOwnerPicture();
 }
 
 void BarChart::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {

@@ -3,6 +3,9 @@
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
 
+#include <trv5charts/colorconverter.h>
+
+#include <QEvent>
 #include <QFont>
 #include <QFontMetrics>
 #include <QPalette>
@@ -44,6 +47,7 @@ VerticalLabel::VerticalLabel(QWidget* pParent)
     pictureFont.setPixelSize(kCaptionPixelHeight);
     pic->setFont(pictureFont);
     pic->setGeometry(rect());
+    setAccessibleDescription(QStringLiteral("Vertical caption"));
     SetBackColor(m_backColor);
 }
 
@@ -65,12 +69,26 @@ void VerticalLabel::SetBackColor(std::int32_t pColour) {
 
 void VerticalLabel::SetText(const QString& pText) {
     m_text = pText;
+    // A caption is read out as what it says.
+    setAccessibleName(pText);
     RedrawText();
 }
 
 QSize VerticalLabel::sizeHint() const {
     const QFontMetrics metrics(CaptionFont(font().family()), this);
     return {metrics.height(), metrics.horizontalAdvance(m_text)};
+}
+
+void VerticalLabel::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    // A background that follows the palette takes a new palette's colour; our own palette
+    // setting sends this event too.
+    if (pEvent->type() == QEvent::PaletteChange && !m_recolouring &&
+        platform::FollowsPalette(m_backColor)) {
+        m_recolouring = true;
+        SetBackColor(m_backColor);
+        m_recolouring = false;
+    }
 }
 
 void VerticalLabel::resizeEvent(QResizeEvent* pEvent) {
@@ -85,6 +103,10 @@ void VerticalLabel::RedrawText() {
         pic->setGeometry(rect());
     }
     pic->Cls();
+    // Plain text colour where it reads on the background; on a background that follows the
+    // palette, the palette's text colour when black does not read there.
+    const QColor text = platform::ReadableText(0, m_backColor);
+    pic->SetForeColor(ColorConverter::RGBToLong(text.red(), text.green(), text.blue()));
     const double height = pic->ScaleHeight();
     const double width = pic->TextWidth(m_text);
     // The rotated text runs upward from its start, so starting half its length below the middle
