@@ -126,6 +126,7 @@ private:
     void SetTickTexts();
     void ApplyInverted();
     void ApplyTextColours();
+    void DescribeData();
     void OnMenuItem(int pIndex);
     void CopyChartData();
 

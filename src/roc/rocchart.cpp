@@ -272,13 +272,7 @@ void ROCChart::Refresh() {
     } catch (...) {
         pic->Cls();
     }
-    // What a screen reader says about the chart beside its name.
-    setAccessibleDescription(
-        m_content == PlotContent::Curve
-            ? QStringLiteral("ROC curve, %1 points, AUC %2")
-                  .arg(m_fpRates.size())
-                  .arg(lblAUC->isVisibleTo(this) ? lblAUC->text() : QStringLiteral("not set"))
-            : QStringLiteral("ROC curve, no data"));
+    DescribeData();
     if (pic->isHidden()) {
         for (QWidget* child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
             // The focus mark shows only with the keyboard focus.
@@ -290,6 +284,16 @@ void ROCChart::Refresh() {
     ApplyInverted();
 }
 
+void ROCChart::DescribeData() {
+    // What a screen reader says about the chart beside its name.
+    setAccessibleDescription(
+        m_content == PlotContent::Curve
+            ? QStringLiteral("ROC curve, %1 points, AUC %2")
+                  .arg(m_fpRates.size())
+                  .arg(lblAUC->isVisibleTo(this) ? lblAUC->text() : QStringLiteral("not set"))
+            : QStringLiteral("ROC curve, no data"));
+}
+
 void ROCChart::Reset() {
     lblAUC->setVisible(false);
     lblAucLabel->setVisible(false);
@@ -298,6 +302,7 @@ void ROCChart::Reset() {
     m_content = PlotContent::Diagonal;
     Redraw();
     m_dataChanged = false;
+    DescribeData();
 }
 
 void ROCChart::SetTickTexts() {

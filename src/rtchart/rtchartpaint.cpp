@@ -135,6 +135,7 @@ void RTChart::ApplyLayout() {
             pool.push_back(label);
         }
         for (std::size_t i = 0; i < pool.size(); ++i) {
+            platform::ColourLabel(*pool[i], kScaleTextColour, m_backColor);
             Place(pool[i], i < ticks[p]->size() ? (*ticks[p])[i] : rtchart::PlacedText{});
         }
     }

@@ -56,13 +56,13 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
 
     m_usageCaption = new VerticalLabel(pParent);
     m_usageCaption->setObjectName(QStringLiteral("usageCaption"));
-    m_usageCaption->SetBackColor(style::kWhite);
+    m_usageCaption->SetBackColor(style::kChartBackground);
     m_usageCaption->SetText(QStringLiteral("Share of weights (%)"));
     m_usageCaption->setFixedWidth(m_usageCaption->sizeHint().width());
 
     m_roc = new ROCChart(pParent);
     Prepare(*m_roc, QString::fromLatin1(chartname::kRoc));
-    m_roc->SetBackColor(style::kWhite);
+    m_roc->SetBackColor(style::kChartBackground);
     m_roc->SetROCColor(style::kRocCurve);
     m_roc->SetDiagonalColor(style::kDiagonal);
     m_roc->SetInverted(true);
@@ -91,7 +91,7 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
 RTChart* ChartBoard::MakeProgress(QWidget* pParent) const {
     auto* chart = new RTChart(pParent);
     Prepare(*chart, QString::fromLatin1(chartname::kProgress));
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetShowXAxis(true);
     return chart;
 }
@@ -99,7 +99,7 @@ RTChart* ChartBoard::MakeProgress(QWidget* pParent) const {
 BarChart* ChartBoard::MakeUsage(QWidget* pParent) const {
     auto* chart = new BarChart(pParent);
     Prepare(*chart, QString::fromLatin1(chartname::kUsage));
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetBarColor(style::kUsageBars);
     chart->SetRoundedCorner(6);
     chart->SetDataPointName(QStringLiteral("Share of weights (%): "));
@@ -110,7 +110,7 @@ BarChart* ChartBoard::MakeGauge(QWidget* pParent, const QString& pName,
                                 std::int32_t pColour) const {
     auto* chart = new BarChart(pParent);
     Prepare(*chart, pName);
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetBarColor(pColour);
     chart->SetRoundedCorner(4);
     chart->SetDataPointName(QStringLiteral("Accuracy (%): "));

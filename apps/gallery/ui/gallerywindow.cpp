@@ -32,7 +32,10 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPalette>
 #include <QStatusBar>
+#include <QStyle>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -47,19 +50,22 @@ namespace {
 
 const QString kProjectFilter = QStringLiteral("Gallery projects (*.trv5gallery);;All files (*)");
 
-// A white card with a title above its chart, so that the pages read as a dashboard.
+// A card with a title above its chart, so that the pages read as a dashboard. It takes the
+// palette's colours for text fields (white in a light palette), as the charts on it do, so its
+// texts read in the light and the dark mode alike.
 QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullptr) {
     auto* card = new QFrame;
     card->setObjectName(QStringLiteral("card"));
     card->setFrameShape(QFrame::StyledPanel);
     card->setAutoFillBackground(true);
-    QPalette palette = card->palette();
-    palette.setColor(QPalette::Window, Qt::white);
-    card->setPalette(palette);
+    card->setBackgroundRole(QPalette::Base);
+    card->setForegroundRole(QPalette::Text);
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(10, 8, 10, 10);
     layout->setSpacing(6);
     auto* title = new QLabel(pTitle);
+    title->setObjectName(QStringLiteral("lblCardTitle"));
+    title->setForegroundRole(QPalette::Text);
     QFont font = title->font();
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * 1.1);
@@ -67,9 +73,60 @@ QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullp
     layout->addWidget(title);
     layout->addWidget(pContent, 1);
     if (pFootnote != nullptr) {
+        pFootnote->setForegroundRole(QPalette::Text);
         layout->addWidget(pFootnote);
     }
     return card;
+}
+
+// A dark palette for the dark mode, with the contrast of the light one.
+QPalette DarkPalette() {
+    QPalette palette;
+    const QColor window(45, 45, 48);
+    const QColor base(30, 30, 32);
+    const QColor text(232, 232, 232);
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, window);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::ToolTipBase, base);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, QColor(160, 160, 160));
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::Highlight, QColor(90, 150, 230));
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    palette.setColor(QPalette::Link, QColor(120, 170, 240));
+    palette.setColor(QPalette::Light, QColor(80, 80, 84));
+    palette.setColor(QPalette::Midlight, QColor(65, 65, 68));
+    palette.setColor(QPalette::Mid, QColor(100, 100, 104));
+    palette.setColor(QPalette::Dark, QColor(20, 20, 22));
+    palette.setColor(QPalette::Shadow, Qt::black);
+    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(150, 150, 150));
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(150, 150, 150));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(150, 150, 150));
+    return palette;
+}
+
+// The focusable widgets under pLayout in the order its items stand: top to bottom and left to
+// right, as the layouts place them.
+void CollectInLayoutOrder(QLayout* pLayout, QList<QWidget*>& pOut) {
+    if (pLayout == nullptr) {
+        return;
+    }
+    for (int i = 0; i < pLayout->count(); ++i) {
+        QLayoutItem* item = pLayout->itemAt(i);
+        if (QWidget* widget = item->widget()) {
+            if ((widget->focusPolicy() & Qt::TabFocus) != 0) {
+                pOut << widget;
+            }
+            CollectInLayoutOrder(widget->layout(), pOut);
+        } else {
+            CollectInLayoutOrder(item->layout(), pOut);
+        }
+    }
 }
 
 } // namespace
@@ -95,7 +152,9 @@ GalleryWindow::GalleryWindow(QWidget* pParent)
         if (pName == m_currentChart) {
             SetCurrentChart(pName);
         }
+        PrepareChartsForPeople();
     });
+    PrepareChartsForPeople();
     qApp->installEventFilter(this);
 
     SetCurrentChart(QString::fromLatin1(chartname::kProgress));
@@ -215,6 +274,12 @@ void GalleryWindow::BuildMenus() {
         }
     });
 
+    QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+    QAction* dark = view->addAction(QStringLiteral("&Dark Mode"));
+    dark->setObjectName(QStringLiteral("actDarkMode"));
+    dark->setCheckable(true);
+    connect(dark, &QAction::toggled, this, &GalleryWindow::SetDarkMode);
+
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     help->addAction(QStringLiteral("&About"), this, [this] {
         QMessageBox::about(
@@ -224,6 +289,47 @@ void GalleryWindow::BuildMenus() {
                            "strategy. Right-click a chart (or press the menu key) for its "
                            "commands.</p><p>Licensed under the GPL, version 3 or later.</p>"));
     });
+}
+
+void GalleryWindow::SetDarkMode(bool pDark) {
+    // The self-drawn charts take their backgrounds from the palette and choose their text
+    // colours against them; the cards follow it too.
+    QApplication::setPalette(pDark ? DarkPalette() : QApplication::style()->standardPalette());
+}
+
+void GalleryWindow::PrepareChartsForPeople() {
+    for (const ChartEntry& entry : m_board->Entries()) {
+        // The window's name for a chart is what a screen reader says; the chart describes its
+        // data itself.
+        entry.widget->setAccessibleName(entry.title);
+        // A print failure of a self-drawn chart's own menu is told here; the Chart menu's
+        // commands report theirs through ShowError as well.
+        const auto report = [this, title = entry.title](const QString& pMessage) {
+            ShowError(title, pMessage);
+        };
+        if (auto* progress = qobject_cast<RTChart*>(entry.widget)) {
+            connect(progress, &RTChart::PrintFailed, this, report, Qt::UniqueConnection);
+        } else if (auto* bars = qobject_cast<BarChart*>(entry.widget)) {
+            connect(bars, &BarChart::PrintFailed, this, report, Qt::UniqueConnection);
+        } else if (auto* roc = qobject_cast<ROCChart*>(entry.widget)) {
+            connect(roc, &ROCChart::PrintFailed, this, report, Qt::UniqueConnection);
+        }
+    }
+    // Tab goes through the side panel top to bottom, then the page tabs, then each page's
+    // charts in reading order, whatever order the widgets were made in.
+    QList<QWidget*> order;
+    CollectInLayoutOrder(m_panel->layout(), order);
+    order << m_pages->tabBar();
+    for (const Page& page : m_pageCharts) {
+        for (const QString& name : page.charts) {
+            if (const auto entry = m_board->Entry(name)) {
+                order << entry->widget;
+            }
+        }
+    }
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        QWidget::setTabOrder(order[i - 1], order[i]);
+    }
 }
 
 void GalleryWindow::RunCurrentChartCommand(void (*pCommand)(const ChartEntry&)) {

@@ -51,6 +51,9 @@ public:
     // Shows the page holding the chart.
     void RevealChart(const QString& pName);
 
+    // The dark mode: a dark application palette, which the self-drawn charts follow.
+    void SetDarkMode(bool pDark);
+
     // Where errors go instead of a message box (the headless modes print them); null returns
     // to message boxes.
     using ErrorSink = std::function<void(const QString& pTitle, const QString& pMessage)>;
@@ -82,6 +85,8 @@ private:
     void ShowTopVariables();
     void ShowError(const QString& pTitle, const QString& pMessage);
     void RunCurrentChartCommand(void (*pCommand)(const ChartEntry&));
+    // Accessible names, print failure reports and the tab order, again for replaced charts.
+    void PrepareChartsForPeople();
 
     ChartBoard* m_board;
     RunSession* m_session;
