@@ -304,15 +304,15 @@ void GalleryWindow::PrepareChartsForPeople() {
         entry.widget->setAccessibleName(entry.title);
         // A print failure of a self-drawn chart's own menu is told here; the Chart menu's
         // commands report theirs through ShowError as well.
-        const auto report = [this, title = entry.title](const QString& pMessage) {
-            ShowError(title, pMessage);
-        };
         if (auto* progress = qobject_cast<RTChart*>(entry.widget)) {
-            connect(progress, &RTChart::PrintFailed, this, report, Qt::UniqueConnection);
+            connect(progress, &RTChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
         } else if (auto* bars = qobject_cast<BarChart*>(entry.widget)) {
-            connect(bars, &BarChart::PrintFailed, this, report, Qt::UniqueConnection);
+            connect(bars, &BarChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
         } else if (auto* roc = qobject_cast<ROCChart*>(entry.widget)) {
-            connect(roc, &ROCChart::PrintFailed, this, report, Qt::UniqueConnection);
+            connect(roc, &ROCChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
         }
     }
     // Tab goes through the side panel top to bottom, then the page tabs, then each page's
@@ -330,6 +330,11 @@ void GalleryWindow::PrepareChartsForPeople() {
     for (qsizetype i = 1; i < order.size(); ++i) {
         QWidget::setTabOrder(order[i - 1], order[i]);
     }
+}
+
+void GalleryWindow::OnPrintFailed(const QString& pMessage) {
+    const auto entry = m_board->EntryContaining(qobject_cast<QWidget*>(sender()));
+    ShowError(entry ? entry->title : QStringLiteral("Print"), pMessage);
 }
 
 void GalleryWindow::RunCurrentChartCommand(void (*pCommand)(const ChartEntry&)) {

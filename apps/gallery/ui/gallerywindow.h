@@ -87,6 +87,7 @@ private:
     void RunCurrentChartCommand(void (*pCommand)(const ChartEntry&));
     // Accessible names, print failure reports and the tab order, again for replaced charts.
     void PrepareChartsForPeople();
+    void OnPrintFailed(const QString& pMessage);
 
     ChartBoard* m_board;
     RunSession* m_session;
