@@ -1,6 +1,7 @@
 #include "platform/focusmark.h"
 
 #include <QApplication>
+#include <QChildEvent>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -38,6 +39,12 @@ bool FocusMark::eventFilter(QObject* pWatched, QEvent* pEvent) {
     case QEvent::FocusOut:
     case QEvent::Resize:
         Follow();
+        break;
+    case QEvent::ChildAdded:
+        // A label the chart adds later would otherwise lie over the mark.
+        if (static_cast<QChildEvent*>(pEvent)->child() != this) {
+            raise();
+        }
         break;
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(pEvent);
