@@ -1,6 +1,7 @@
 #include "platform/colour.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QPalette>
 #include <QWidget>
 
@@ -78,6 +79,21 @@ QColor ReadableText(std::int32_t pText, std::int32_t pBackground) {
     const QColor black(Qt::black);
     const QColor white(Qt::white);
     return ContrastRatio(black, background) >= ContrastRatio(white, background) ? black : white;
+}
+
+void FollowPaletteChange(const QEvent& pEvent, bool pFollows, bool& pRecolouring,
+                         const std::function<void()>& pRecolour) {
+    if (pEvent.type() != QEvent::PaletteChange || !pFollows || pRecolouring) {
+        return;
+    }
+    pRecolouring = true;
+    try {
+        pRecolour();
+    } catch (...) {
+        pRecolouring = false;
+        throw;
+    }
+    pRecolouring = false;
 }
 
 void ColourLabel(QWidget& pLabel, std::int32_t pText, std::int32_t pBackground) {

@@ -3,7 +3,9 @@
 #include <QColor>
 
 #include <cstdint>
+#include <functional>
 
+class QEvent;
 class QWidget;
 
 namespace trv5::platform {
@@ -27,6 +29,13 @@ inline constexpr double kReadableContrast = 4.5;
 // black or white, whichever reads better. A dark palette therefore never puts its light text on
 // a chart whose background is a fixed white.
 QColor ReadableText(std::int32_t pText, std::int32_t pBackground);
+
+// Answers a widget's change event for colours that follow the palette: when pEvent is a palette
+// change and pFollows, runs pRecolour (which takes the new palette's colours and redraws).
+// pRecolouring guards against the palette changes pRecolour makes itself, which send the event
+// again.
+void FollowPaletteChange(const QEvent& pEvent, bool pFollows, bool& pRecolouring,
+                         const std::function<void()>& pRecolour);
 
 // Gives a label (or any widget that paints text with its palette) the background pBackground
 // and text of colour pText made readable on it by ReadableText.

@@ -223,14 +223,11 @@ void ROCChart::changeEvent(QEvent* pEvent) {
     if (pEvent->type() == QEvent::FontChange && pic != nullptr) {
         ApplyLayout();
     }
-    // Colours that follow the palette are taken again from a new one; our own palette settings
-    // send this event too.
-    if (pEvent->type() == QEvent::PaletteChange && pic != nullptr && !m_recolouring &&
-        (platform::FollowsPalette(m_backColor) || platform::FollowsPalette(m_foreColor))) {
-        m_recolouring = true;
-        SetBackColor(m_backColor);
-        m_recolouring = false;
-    }
+    // Colours that follow the palette are taken again from a new one.
+    platform::FollowPaletteChange(*pEvent,
+                                  pic != nullptr && (platform::FollowsPalette(m_backColor) ||
+                                                     platform::FollowsPalette(m_foreColor)),
+                                  m_recolouring, [this] { SetBackColor(m_backColor); });
 }
 
 // ---- data ----

@@ -133,14 +133,12 @@ void RTChart::SetBackColor(std::int32_t pColour) {
 void RTChart::changeEvent(QEvent* pEvent) {
     QWidget::changeEvent(pEvent);
     // A background that follows the palette takes a new palette's colour, and the texts a
-    // colour that reads on it. Our own palette settings send this event too.
-    if (pEvent->type() == QEvent::PaletteChange && !m_recolouring &&
-        platform::FollowsPalette(m_backColor)) {
-        m_recolouring = true;
-        SetBackColor(m_backColor);
-        DrawChart();
-        m_recolouring = false;
-    }
+    // colour that reads on it.
+    platform::FollowPaletteChange(*pEvent, platform::FollowsPalette(m_backColor), m_recolouring,
+                                  [this] {
+                                      SetBackColor(m_backColor);
+                                      DrawChart();
+                                  });
 }
 
 void RTChart::SetMainYAxis(std::shared_ptr<Axis> pAxis) {

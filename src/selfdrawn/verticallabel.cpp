@@ -81,14 +81,9 @@ QSize VerticalLabel::sizeHint() const {
 
 void VerticalLabel::changeEvent(QEvent* pEvent) {
     QWidget::changeEvent(pEvent);
-    // A background that follows the palette takes a new palette's colour; our own palette
-    // setting sends this event too.
-    if (pEvent->type() == QEvent::PaletteChange && !m_recolouring &&
-        platform::FollowsPalette(m_backColor)) {
-        m_recolouring = true;
-        SetBackColor(m_backColor);
-        m_recolouring = false;
-    }
+    // A background that follows the palette takes a new palette's colour.
+    platform::FollowPaletteChange(*pEvent, platform::FollowsPalette(m_backColor), m_recolouring,
+                                  [this] { SetBackColor(m_backColor); });
 }
 
 void VerticalLabel::resizeEvent(QResizeEvent* pEvent) {
