@@ -9,7 +9,9 @@
 
 #include <trv5charts/barchart.h>
 #include <trv5charts/clscatterplot.h>
+#include <trv5charts/curvefitting.h>
 #include <trv5charts/hostsettings.h>
+#include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/scatterplot.h>
 #include <trv5charts/stackeddistributionchart.h>
@@ -466,4 +468,39 @@ TEST(Gallery, DarkModeKeepsEveryTextReadable) {
     EXPECT_GE(checked, 3);
     dark->trigger();
     EXPECT_GT(QApplication::palette().color(QPalette::Base).lightness(), 200);
+}
+
+TEST(Gallery, PrintFailuresOfEveryKindOfChartAreToldToTheUser) {
+    class Unwritable final : public trv5::IPrintDialog {
+    public:
+        bool Exec(trv5::PrintSettings& pSettings) override {
+            pSettings.outputFile = QStringLiteral("/nonexistent-folder/chart.pdf");
+            return true;
+        }
+    };
+    GalleryWindow window;
+    QStringList told;
+    window.SetErrorSink(
+        [&](const QString& pTitle, const QString& pMessage) { told << pTitle + ": " + pMessage; });
+    QAction* print = ChartMenuAction(window, QStringLiteral("&Print..."));
+    ASSERT_NE(print, nullptr);
+    const auto dialog = std::make_shared<Unwritable>();
+    window.Board().Progress().SetPrintDialog(dialog);
+    window.Board().Roc().SetPrintDialog(dialog);
+    window.Board().Curve().SetPrintDialog(dialog);
+    for (const char* name : {"progress", "roc", "curvefitting"}) {
+        SCOPED_TRACE(name);
+        told.clear();
+        window.SetCurrentChart(QString::fromLatin1(name));
+        print->trigger();
+        ASSERT_EQ(told.size(), 1);
+        EXPECT_TRUE(
+            told.front().startsWith(window.Board().Entry(QString::fromLatin1(name))->title));
+    }
+    // The self-drawn chart's own context menu reports too, and so does a renewed chart.
+    told.clear();
+    window.Board().RenewProgress().SetPrintDialog(dialog);
+    window.Board().Progress().findChildren<QAction*>(QStringLiteral("mnuMain"))[3]->trigger();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.front().contains(QStringLiteral("/nonexistent-folder/chart.pdf")));
 }

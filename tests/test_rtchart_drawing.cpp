@@ -419,6 +419,16 @@ TEST_F(ChartFixture, CopiesAndPrintsThePictureOfTheChart) {
     const QByteArray bytes = file.readAll();
     EXPECT_TRUE(bytes.startsWith("%PDF"));
     EXPECT_TRUE(bytes.contains("/Image")) << "the chart's picture is on the page";
+
+    // A file that cannot be written is reported with its name; the chart shows nothing itself.
+    QStringList failures;
+    QObject::connect(&chart, &RTChart::PrintFailed,
+                     [&](const QString& pMessage) { failures << pMessage; });
+    const QString unwritable = dir.filePath(QStringLiteral("no/such/folder/chart.pdf"));
+    chart.SetPrintDialog(std::make_shared<AnswerToPdf>(unwritable));
+    MainEntries()[3]->trigger();
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.front().contains(unwritable)) << failures.front().toStdString();
 }
 
 TEST_F(ChartFixture, LayoutKeepsLabelsBesideThePlotAtEverySize) {
