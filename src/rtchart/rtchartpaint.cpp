@@ -14,6 +14,7 @@
 #include <QResizeEvent>
 
 #include <algorithm>
+#include <cmath>
 
 namespace trv5 {
 
@@ -49,6 +50,20 @@ rtchart::ValueAxisInfo AxisInfo(const std::shared_ptr<Axis>& pAxis) {
     }
     info.title = pAxis->Name();
     return info;
+}
+
+// The grid is a quiet light grey on a light background; on a dark one (a dark palette) that
+// grey would glare, so the grid is the background lightened a little instead.
+std::int32_t GridColourOn(std::int32_t pBackground) {
+    const QColor back = platform::ToQColor(pBackground);
+    if (platform::ContrastRatio(back, Qt::black) >= platform::ContrastRatio(back, Qt::white)) {
+        return kGridColour;
+    }
+    constexpr double kLift = 0.18;
+    const auto lift = [](int pChannel) {
+        return static_cast<int>(std::lround(pChannel + (255 - pChannel) * kLift));
+    };
+    return ColorConverter::RGBToLong(lift(back.red()), lift(back.green()), lift(back.blue()));
 }
 
 // What a screen reader says about the chart beside its name: "Run progress, 3 series,
@@ -176,7 +191,7 @@ void RTChart::ApplyLayout() {
 
 void RTChart::DrawGrid() {
     pic->SetDrawStyle(DrawingSurface::DrawStyle::Solid);
-    pic->SetForeColor(kGridColour);
+    pic->SetForeColor(GridColourOn(m_backColor));
     const double left = pic->ScaleLeft();
     const double right = left + pic->ScaleWidth();
     const double top = pic->ScaleTop();
