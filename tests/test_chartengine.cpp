@@ -314,19 +314,19 @@ TEST_F(ChartEngineTest, PrintsAtTheTopLeftAtScreenSizeOrShrunkToThePage) {
     engine.SetBackgroundColour(Qt::lightGray);
     engine.Series(0).AddPoint(1, 2);
     engine.Series(0).AddPoint(2, 3);
+    const auto printedArea = [&](QSize pPage) {
+        QImage page(pPage, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        engine.Print(page);
+        return DrawnArea(page);
+    };
     // A page of the screen's resolution with room to spare: the chart keeps its 600 x 400.
-    QImage large(1000, 900, QImage::Format_RGB32);
-    large.fill(Qt::white);
-    engine.Print(large);
-    const QRect natural = DrawnArea(large);
+    const QRect natural = printedArea(QSize(1000, 900));
     EXPECT_EQ(natural.topLeft(), QPoint(0, 0));
     EXPECT_NEAR(natural.width(), 600, 2);
     EXPECT_NEAR(natural.height(), 400, 2);
     // A page too narrow: shrunk to its width, proportions kept.
-    QImage narrow(300, 900, QImage::Format_RGB32);
-    narrow.fill(Qt::white);
-    engine.Print(narrow);
-    const QRect shrunk = DrawnArea(narrow);
+    const QRect shrunk = printedArea(QSize(300, 900));
     EXPECT_EQ(shrunk.topLeft(), QPoint(0, 0));
     EXPECT_NEAR(shrunk.width(), 300, 2);
     EXPECT_NEAR(shrunk.height(), 200, 2);
