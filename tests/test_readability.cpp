@@ -216,17 +216,75 @@ TEST(Readability, ChartsFollowAPaletteThatChangesWhileTheyAreShown) {
     trv5::RTChart progress;
     progress.SetBackColor(kWindowBackground);
     FillProgress(progress);
-    progress.show();
-    const QColor before = MostCommonColour(trv5::CaptureControl(&progress), progress.rect());
+    trv5::ROCChart roc;
+    roc.SetBackColor(kWindowBackground);
+    FillRoc(roc);
+    trv5::BarChart bars;
+    bars.SetBackColor(kWindowBackground);
+    bars.Init(3, 10.0F, trv5::ctMultiVerticalBars, trv5::BarChart::kLongValues, 0.0F);
+    bars.SetLongData(std::vector<std::int32_t>{3, 6, 9});
+    bars.resize(200, 80);
+    trv5::VerticalLabel caption;
+    caption.SetBackColor(kWindowBackground);
+    caption.SetText(QStringLiteral("Share of weights (%)"));
+    caption.resize(20, 200);
+    const std::initializer_list<QWidget*> charts = {&progress, &roc, &bars, &caption};
+    const auto background = [](QWidget* pChart) {
+        const QImage picture = trv5::CaptureControl(pChart);
+        return MostCommonColour(picture, picture.rect());
+    };
+    std::vector<QColor> before;
+    for (QWidget* chart : charts) {
+        chart->show();
+        QApplication::processEvents();
+        before.push_back(background(chart));
+        EXPECT_GT(Luminance(before.back()), 0.5) << chart->metaObject()->className();
+    }
     {
         const ScopedDarkPalette dark;
         QApplication::processEvents();
-        const QImage picture = trv5::CaptureControl(&progress);
-        EXPECT_NE(MostCommonColour(picture, picture.rect()), before);
-        ExpectReadableTexts(progress);
+        for (QWidget* chart : charts) {
+            SCOPED_TRACE(chart->metaObject()->className());
+            EXPECT_LT(Luminance(background(chart)), 0.1);
+            if (qobject_cast<trv5::BarChart*>(chart) == nullptr) { // bars have no text
+                ExpectReadableTexts(*chart);
+            }
+        }
     }
     QApplication::processEvents();
-    EXPECT_EQ(MostCommonColour(trv5::CaptureControl(&progress), progress.rect()), before);
+    for (std::size_t i = 0; i < charts.size(); ++i) {
+        EXPECT_EQ(background(charts.begin()[i]), before[i]) << "and back to the light palette";
+    }
+}
+
+TEST(Readability, ChartsKeepTheirColoursInsideAHostsContainer) {
+    // A host's container in the text-field colours, whose roles children inherit unless they
+    // set their own.
+    QWidget card;
+    card.setBackgroundRole(QPalette::Base);
+    card.setForegroundRole(QPalette::Text);
+    auto* progress = new trv5::RTChart(&card);
+    FillProgress(*progress);
+    card.resize(progress->size());
+    card.show();
+    QApplication::processEvents();
+    const QImage picture = trv5::CaptureControl(progress);
+    for (QLabel* label : progress->findChildren<QLabel*>(QStringLiteral("lblLegend"))) {
+        if (label->text() == QLatin1String("Series 2")) {
+            EXPECT_EQ(label->palette().color(label->foregroundRole()), QColor(20, 20, 20))
+                << "a series colour that reads is the legend's text colour";
+        }
+    }
+    // Each legend swatch shows its series' colour.
+    int swatches = 0;
+    for (QWidget* swatch : progress->findChildren<QWidget*>(QStringLiteral("shpLegend"))) {
+        if (swatch->isVisible()) {
+            const QPoint centre = swatch->geometry().center();
+            EXPECT_EQ(picture.pixelColor(centre), swatch->palette().color(QPalette::Window));
+            ++swatches;
+        }
+    }
+    EXPECT_EQ(swatches, 4);
 }
 
 void SendKey(QWidget* pTarget, int pKey, Qt::KeyboardModifiers pModifiers = Qt::NoModifier) {

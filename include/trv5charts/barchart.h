@@ -177,6 +177,8 @@ signals:
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
+    // A background that follows the palette is drawn again in a new palette's colours.
+    void changeEvent(QEvent* pEvent) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
@@ -224,6 +226,7 @@ private:
     std::vector<std::int32_t> m_longData;
     std::int32_t m_hasData = 0;
     bool m_showCopyPrint = true;
+    bool m_recolouring = false;
 
     QString m_tag;
     QString m_dataField;

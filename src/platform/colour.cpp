@@ -106,6 +106,10 @@ void ColourLabel(QWidget& pLabel, std::int32_t pText, std::int32_t pBackground) 
         palette.setColor(QPalette::WindowText, text);
         pLabel.setPalette(palette);
     }
+    // Roles are inherited from the parent when not set: a host that gives its container another
+    // role (a card in the text-field colour) must not turn the label to other palette entries.
+    pLabel.setBackgroundRole(QPalette::Window);
+    pLabel.setForegroundRole(QPalette::WindowText);
     pLabel.setAutoFillBackground(true);
 }
 

@@ -100,6 +100,8 @@ void RTChart::ApplyBackColor(QWidget* pWidget) const {
     QPalette palette = pWidget->palette();
     palette.setColor(QPalette::Window, platform::ToQColor(m_backColor));
     pWidget->setPalette(palette);
+    // Explicit, so that a role the host gives the chart's container is not inherited.
+    pWidget->setBackgroundRole(QPalette::Window);
     pWidget->setAutoFillBackground(true);
 }
 

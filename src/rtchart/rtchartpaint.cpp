@@ -161,6 +161,7 @@ void RTChart::ApplyLayout() {
         auto* swatch = new QFrame(this);
         swatch->setObjectName(QStringLiteral("shpLegend"));
         swatch->setAutoFillBackground(true);
+        swatch->setBackgroundRole(QPalette::Window);
         m_legendSwatches.push_back(swatch);
     }
     const auto placeEntry = [this](QLabel* pLabel, QFrame* pSwatch, const QRect& pRect,

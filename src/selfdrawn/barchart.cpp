@@ -1,6 +1,7 @@
 #include <trv5charts/barchart.h>
 
 #include "platform/chartmenu.h"
+#include "platform/colour.h"
 #include "platform/drawingsurface.h"
 #include "platform/focusmark.h"
 #include "selfdrawn/barchart_support.h"
@@ -9,6 +10,7 @@
 #include <trv5charts/localizationlib.h>
 
 #include <QContextMenuEvent>
+#include <QEvent>
 #include <QMouseEvent>
 #include <QResizeEvent>
 
@@ -261,6 +263,15 @@ void BarChart::LayOut() {
     if (m_hasData == 1) {
         Redraw();
     }
+}
+
+void BarChart::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    platform::FollowPaletteChange(*pEvent, platform::FollowsPalette(StoredBackColor()),
+                                  m_recolouring, [this] {
+                                      SetBackColor(StoredBackColor());
+                                      Redraw();
+                                  });
 }
 
 void BarChart::resizeEvent(QResizeEvent* pEvent) {

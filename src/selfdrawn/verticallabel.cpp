@@ -58,6 +58,7 @@ void VerticalLabel::SetBackColor(std::int32_t pColour) {
     QPalette palette = this->palette();
     palette.setColor(QPalette::Window, platform::ToQColor(pColour));
     setPalette(palette);
+    setBackgroundRole(QPalette::Window);
     setAutoFillBackground(true);
     pic->SetBackColor(pColour);
     // A new background colour clears the picture, as it always has on a picture box.

@@ -50,22 +50,28 @@ namespace {
 
 const QString kProjectFilter = QStringLiteral("Gallery projects (*.trv5gallery);;All files (*)");
 
-// A card with a title above its chart, so that the pages read as a dashboard. It takes the
-// palette's colours for text fields (white in a light palette), as the charts on it do, so its
-// texts read in the light and the dark mode alike.
+// A card's background: the palette's colour for text fields (white in a light palette), which
+// the charts on it take as well.
+void ColourCard(QWidget& pCard) {
+    QPalette palette = pCard.palette();
+    palette.setColor(QPalette::Window, QApplication::palette().color(QPalette::Base));
+    palette.setColor(QPalette::WindowText, QApplication::palette().color(QPalette::Text));
+    pCard.setPalette(palette);
+}
+
+// A card with a title above its chart, so that the pages read as a dashboard; its texts read
+// in the light and the dark mode alike.
 QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullptr) {
     auto* card = new QFrame;
     card->setObjectName(QStringLiteral("card"));
     card->setFrameShape(QFrame::StyledPanel);
     card->setAutoFillBackground(true);
-    card->setBackgroundRole(QPalette::Base);
-    card->setForegroundRole(QPalette::Text);
+    ColourCard(*card);
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(10, 8, 10, 10);
     layout->setSpacing(6);
     auto* title = new QLabel(pTitle);
     title->setObjectName(QStringLiteral("lblCardTitle"));
-    title->setForegroundRole(QPalette::Text);
     QFont font = title->font();
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * 1.1);
@@ -73,7 +79,6 @@ QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullp
     layout->addWidget(title);
     layout->addWidget(pContent, 1);
     if (pFootnote != nullptr) {
-        pFootnote->setForegroundRole(QPalette::Text);
         layout->addWidget(pFootnote);
     }
     return card;
@@ -295,6 +300,9 @@ void GalleryWindow::SetDarkMode(bool pDark) {
     // The self-drawn charts take their backgrounds from the palette and choose their text
     // colours against them; the cards follow it too.
     QApplication::setPalette(pDark ? DarkPalette() : QApplication::style()->standardPalette());
+    for (QFrame* card : findChildren<QFrame*>(QStringLiteral("card"))) {
+        ColourCard(*card);
+    }
 }
 
 void GalleryWindow::PrepareChartsForPeople() {
