@@ -4,6 +4,7 @@
 #include "platform/printeraccess.h"
 #include "testsupport.h"
 
+#include <QApplication>
 #include <QColor>
 #include <QDir>
 #include <QFile>
@@ -11,8 +12,13 @@
 #include <QMenu>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <QTransform>
 #include <QWidget>
 
 #include <climits>
@@ -287,16 +293,26 @@ TEST_F(PrintTest, CancelledDialogPrintsNothing) {
     EXPECT_TRUE(menu.isVisible());
 }
 
-TEST_F(PrintTest, FailuresEndTheCommandQuietly) {
+TEST_F(PrintTest, FailuresComeBackWithAMessageAndCancelDoesNot) {
     dialog.fail = true;
-    EXPECT_NO_THROW(trv5::PrintControlPicture(&widget, dialog));
+    trv5::PrintResult result = trv5::PrintControlPicture(&widget, dialog);
+    EXPECT_TRUE(result.Failed());
+    EXPECT_FALSE(result.message.isEmpty());
     dialog.fail = false;
 
     dialog.copies = 2;
     dialog.outputFile = dir.filePath(QStringLiteral("missing/folder/chart.pdf"));
-    EXPECT_NO_THROW(trv5::PrintControlPicture(&widget, dialog));
+    result = trv5::PrintControlPicture(&widget, dialog);
+    EXPECT_TRUE(result.Failed());
+    EXPECT_TRUE(result.message.contains(QStringLiteral("missing/folder/chart-1.pdf")))
+        << result.message.toStdString();
     EXPECT_TRUE(FilesIn(dir).isEmpty());
     EXPECT_FALSE(QDir(dir.filePath(QStringLiteral("missing"))).exists());
+
+    dialog.cancel = true;
+    result = trv5::PrintControlPicture(&widget, dialog);
+    EXPECT_EQ(result.outcome, trv5::PrintResult::Outcome::Cancelled);
+    EXPECT_TRUE(result.message.isEmpty());
 }
 
 TEST_F(PrintTest, NoCopiesOrNoPicturePrintsNothing) {
@@ -310,4 +326,158 @@ TEST_F(PrintTest, NoCopiesOrNoPicturePrintsNothing) {
     trv5::PrintControlPicture(nullptr, dialog);
     EXPECT_EQ(dialog.shown, 4);
     EXPECT_TRUE(FilesIn(dir).isEmpty());
+}
+
+// Where the pictures stand on the first page of a PDF written by the print command, in points
+// from the page's top-left corner: the content streams are followed through their q, Q and cm
+// operators up to each image's Do, whose unit square the current matrix maps onto the page.
+struct PdfPlacement {
+    QSizeF media;
+    std::vector<QRectF> images;
+    bool jpeg = false;
+};
+
+PdfPlacement ReadPlacement(const QString& pPath) {
+    PdfPlacement placement;
+    const PdfFacts facts = ReadPdf(pPath);
+    placement.media = QSizeF(facts.mediaWidth, facts.mediaHeight);
+    QFile file(pPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return placement;
+    }
+    const QByteArray data = file.readAll();
+    placement.jpeg = data.contains("/DCTDecode");
+    for (qsizetype at = data.indexOf("stream"); at >= 0; at = data.indexOf("stream", at + 6)) {
+        if (at >= 3 && data.mid(at - 3, 3) == "end") {
+            continue;
+        }
+        const qsizetype dictionaryStart = data.lastIndexOf("<<", at);
+        const QByteArray dictionary = data.mid(dictionaryStart, at - dictionaryStart);
+        qsizetype begin = at + 6;
+        begin += data.mid(begin, 2) == "\r\n" ? 2 : 1;
+        const qsizetype end = data.indexOf("endstream", begin);
+        if (end < 0 || dictionary.contains("/Image")) {
+            continue;
+        }
+        QByteArray content = data.mid(begin, end - begin);
+        if (dictionary.contains("/FlateDecode")) {
+            // qUncompress wants the expected size in front of a zlib stream.
+            QByteArray sized(4, '\0');
+            sized[1] = '\x10'; // 1 MiB, enough for a page of a picture
+            content = qUncompress(sized + content);
+        }
+        std::vector<QTransform> saved;
+        QTransform matrix;
+        std::vector<double> operands;
+        for (const QByteArray& token : content.simplified().split(' ')) {
+            bool number = false;
+            const double value = token.toDouble(&number);
+            if (number) {
+                operands.push_back(value);
+                continue;
+            }
+            if (token == "q") {
+                saved.push_back(matrix);
+            } else if (token == "Q" && !saved.empty()) {
+                matrix = saved.back();
+                saved.pop_back();
+            } else if (token == "cm" && operands.size() >= 6) {
+                const auto* m = &operands[operands.size() - 6];
+                matrix = QTransform(m[0], m[1], m[2], m[3], m[4], m[5]) * matrix;
+            } else if (token == "Do") {
+                const QRectF square = matrix.mapRect(QRectF(0, 0, 1, 1));
+                placement.images.push_back(QRectF(square.left(),
+                                                  placement.media.height() - square.bottom(),
+                                                  square.width(), square.height()));
+            }
+            operands.clear();
+        }
+    }
+    return placement;
+}
+
+// The printable area of the page the print command uses, in points from the top-left corner.
+QRectF PrintableArea(QPageLayout::Orientation pOrientation) {
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setPageOrientation(pOrientation);
+    return printer.pageLayout().paintRect(QPageLayout::Point);
+}
+
+TEST_F(PrintTest, PicturesStandAtTheTopLeftAtNaturalSizeOrShrunkToThePage) {
+    // 60 x 45 pixels at 96 dpi is 45 x 33.75 points; 1500 x 1300 pixels (1125 x 975 points)
+    // is too wide for a portrait page and too high for a landscape one.
+    PaintedWidget large(1500, 1300);
+    large.show();
+    for (const auto orientation : {QPageLayout::Portrait, QPageLayout::Landscape}) {
+        const QRectF page = PrintableArea(orientation);
+        dialog.orientation = orientation;
+        for (QWidget* chart : {static_cast<QWidget*>(&widget), static_cast<QWidget*>(&large)}) {
+            SCOPED_TRACE(testing::Message()
+                         << "orientation " << orientation << ", width " << chart->width());
+            dialog.outputFile =
+                dir.filePath(QStringLiteral("%1-%2.pdf").arg(int{orientation}).arg(chart->width()));
+            ASSERT_EQ(trv5::PrintControlPicture(chart, dialog).outcome,
+                      trv5::PrintResult::Outcome::Printed);
+            const PdfPlacement pdf = ReadPlacement(dialog.outputFile);
+            EXPECT_FALSE(pdf.jpeg) << "pictures are stored without loss";
+            ASSERT_EQ(pdf.images.size(), 1U);
+            const QRectF image = pdf.images.front();
+            EXPECT_NEAR(image.left(), page.left(), 0.5);
+            EXPECT_NEAR(image.top(), page.top(), 0.5);
+            EXPECT_LE(image.width(), page.width() + 0.5);
+            EXPECT_LE(image.height(), page.height() + 0.5);
+            if (chart == &widget) {
+                EXPECT_NEAR(image.width(), 45.0, 0.2);
+                EXPECT_NEAR(image.height(), 33.75, 0.2);
+            } else {
+                EXPECT_NEAR(image.width() / image.height(), 1500.0 / 1300.0, 0.005);
+                // Shrunk just enough: the side that was too long fills the printable area.
+                const double fill = orientation == QPageLayout::Portrait
+                                        ? image.width() / page.width()
+                                        : image.height() / page.height();
+                EXPECT_NEAR(fill, 1.0, 0.002);
+            }
+        }
+    }
+}
+
+TEST_F(PrintTest, ThePreviewShowsThePrintedPage) {
+    trv5::PrintControlPicture(&widget, dialog);
+    const PdfPlacement printed = ReadPlacement(dialog.outputFile);
+    ASSERT_EQ(printed.images.size(), 1U);
+
+    // The preview's own page, printed from the preview as it shows it.
+    const QString previewFile = dir.filePath(QStringLiteral("preview.pdf"));
+    bool found = false;
+    // Answers the preview once it is open: prints what it shows, then closes it.
+    QTimer answer;
+    answer.setInterval(10);
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            auto* preview = qobject_cast<QPrintPreviewDialog*>(window);
+            if (preview == nullptr || !preview->isVisible() ||
+                preview->objectName() != QLatin1String("dlgPrintPreview")) {
+                continue;
+            }
+            found = true;
+            answer.stop();
+            preview->printer()->setOutputFormat(QPrinter::PdfFormat);
+            preview->printer()->setOutputFileName(previewFile);
+            if (auto* page = preview->findChild<QPrintPreviewWidget*>()) {
+                page->print();
+            }
+            preview->reject();
+        }
+    });
+    answer.start();
+    trv5::PreviewControlPicture(&widget);
+    ASSERT_TRUE(found);
+    const PdfPlacement previewed = ReadPlacement(previewFile);
+    EXPECT_EQ(previewed.media, printed.media);
+    ASSERT_EQ(previewed.images.size(), 1U);
+    EXPECT_NEAR(previewed.images.front().left(), printed.images.front().left(), 0.01);
+    EXPECT_NEAR(previewed.images.front().top(), printed.images.front().top(), 0.01);
+    EXPECT_NEAR(previewed.images.front().width(), printed.images.front().width(), 0.01);
+    EXPECT_NEAR(previewed.images.front().height(), printed.images.front().height(), 0.01);
 }

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QImage>
 #include <QMouseEvent>
 #include <QPrinter>
 #include <QTemporaryDir>
@@ -293,6 +294,42 @@ TEST_F(ChartEngineTest, PrintsIntoARealPdfAndReportsAPrinterThatCannotStart) {
     broken.setOutputFormat(QPrinter::PdfFormat);
     broken.setOutputFileName(dir.filePath(QStringLiteral("no/such/dir/chart.pdf")));
     EXPECT_CHART_ERROR(engine.Print(broken), 482);
+}
+
+// The part of a page the chart drew on: the bounding box of pixels that are not the page's white.
+QRect DrawnArea(const QImage& pPage) {
+    QRect drawn;
+    for (int y = 0; y < pPage.height(); ++y) {
+        for (int x = 0; x < pPage.width(); ++x) {
+            if ((pPage.pixel(x, y) | 0xFF000000U) != 0xFFFFFFFFU) {
+                drawn |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return drawn;
+}
+
+TEST_F(ChartEngineTest, PrintsAtTheTopLeftAtScreenSizeOrShrunkToThePage) {
+    engine.LoadContent(QStringLiteral(":/trv5charts/scatterplot.json"));
+    engine.SetBackgroundColour(Qt::lightGray);
+    engine.Series(0).AddPoint(1, 2);
+    engine.Series(0).AddPoint(2, 3);
+    const auto printedArea = [&](QSize pPage) {
+        QImage page(pPage, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        engine.Print(page);
+        return DrawnArea(page);
+    };
+    // A page of the screen's resolution with room to spare: the chart keeps its 600 x 400.
+    const QRect natural = printedArea(QSize(1000, 900));
+    EXPECT_EQ(natural.topLeft(), QPoint(0, 0));
+    EXPECT_NEAR(natural.width(), 600, 2);
+    EXPECT_NEAR(natural.height(), 400, 2);
+    // A page too narrow: shrunk to its width, proportions kept.
+    const QRect shrunk = printedArea(QSize(300, 900));
+    EXPECT_EQ(shrunk.topLeft(), QPoint(0, 0));
+    EXPECT_NEAR(shrunk.width(), 300, 2);
+    EXPECT_NEAR(shrunk.height(), 200, 2);
 }
 
 TEST_F(ChartEngineTest, MousePressesArriveAsButtonShiftAndPosition) {

@@ -10,6 +10,7 @@
 
 #include <trv5charts/barchart.h>
 #include <trv5charts/clscatterplot.h>
+#include <trv5charts/curvefitting.h>
 #include <trv5charts/hostsettings.h>
 #include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
@@ -25,6 +26,7 @@
 #include <QFile>
 #include <QHelpEvent>
 #include <QImage>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -36,12 +38,15 @@
 #include <QScrollBar>
 #include <QSet>
 #include <QSpinBox>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <map>
 #include <memory>
 
@@ -554,4 +559,129 @@ TEST(Gallery, ToolTipsNameTheLineAndTheVariable) {
     ASSERT_TRUE(match.hasMatch()) << barTip.toStdString();
     EXPECT_TRUE(window.Session().LastResults()->FeatureNames().contains(match.captured(1)));
     trv5::Globals::StoreConfig(nullptr);
+namespace {
+
+double Contrast(const QColor& pFirst, const QColor& pSecond) {
+    const auto luminance = [](const QColor& pColour) {
+        const auto linear = [](double pChannel) {
+            return pChannel <= 0.04045 ? pChannel / 12.92
+                                       : std::pow((pChannel + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(pColour.redF()) + 0.7152 * linear(pColour.greenF()) +
+               0.0722 * linear(pColour.blueF());
+    };
+    const double a = luminance(pFirst);
+    const double b = luminance(pSecond);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+} // namespace
+
+TEST(Gallery, KeyboardReachesEveryChartInReadingOrderAndOpensItsMenu) {
+    GalleryWindow window;
+    window.show();
+    QApplication::processEvents();
+    for (const ChartEntry& chart : window.Board().Entries()) {
+        SCOPED_TRACE(chart.name.toStdString());
+        window.RevealChart(chart.name);
+        EXPECT_EQ(chart.widget->accessibleName(), chart.title);
+        window.activateWindow();
+        chart.widget->setFocus(Qt::TabFocusReason);
+        QApplication::processEvents();
+        ASSERT_TRUE(chart.widget->hasFocus());
+        auto* mark = chart.widget->findChild<QWidget*>(QStringLiteral("focusMark"));
+        ASSERT_NE(mark, nullptr);
+        EXPECT_TRUE(mark->isVisible());
+        auto* menu =
+            chart.widget->findChild<QMenu*>(QStringLiteral("ctxMain"), Qt::FindDirectChildrenOnly);
+        ASSERT_NE(menu, nullptr);
+        QKeyEvent shiftF10(QEvent::KeyPress, Qt::Key_F10, Qt::ShiftModifier);
+        QApplication::sendEvent(chart.widget, &shiftF10);
+        EXPECT_TRUE(menu->isVisible());
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(menu, &escape);
+        EXPECT_FALSE(menu->isVisible());
+        QApplication::processEvents();
+    }
+
+    // After the page tabs, Tab visits the pages' charts as they read; the gauges sit in the side
+    // panel, which comes first.
+    QWidget* tabs = window.findChild<QTabWidget*>(QStringLiteral("tabCharts"))->tabBar();
+    QStringList visited;
+    for (QWidget* widget = tabs->nextInFocusChain(); widget != tabs && visited.size() < 9;
+         widget = widget->nextInFocusChain()) {
+        if (const auto entry = window.Board().EntryContaining(widget);
+            entry && entry->widget == widget && (widget->focusPolicy() & Qt::TabFocus) != 0) {
+            visited << entry->name;
+        }
+    }
+    EXPECT_EQ(visited,
+              (QStringList{"progress", "usage", "roc", "clscatter", "curvefitting", "scatter",
+                           "stacked", "trainingAccuracy", "validationAccuracy"}));
+}
+
+TEST(Gallery, DarkModeKeepsEveryTextReadable) {
+    GalleryWindow window;
+    window.show();
+    auto* dark = window.findChild<QAction*>(QStringLiteral("actDarkMode"));
+    ASSERT_NE(dark, nullptr);
+    dark->trigger();
+    QApplication::processEvents();
+    EXPECT_LT(QApplication::palette().color(QPalette::Base).lightness(), 80);
+    window.RevealChart(QStringLiteral("progress"));
+    QApplication::processEvents();
+    const QImage screen = window.grab().toImage();
+    int checked = 0;
+    for (QLabel* label : window.findChildren<QLabel*>()) {
+        const bool onCard = label->objectName() == QLatin1String("lblCardTitle");
+        const bool onChart = window.Board().EntryContaining(label).has_value();
+        if (!(onCard || onChart) || !label->isVisible() || label->text().isEmpty() ||
+            label->geometry().isEmpty()) {
+            continue;
+        }
+        const QPoint at = label->mapTo(&window, QPoint(1, 1)) * screen.devicePixelRatio();
+        const QColor background = screen.pixelColor(at);
+        const QColor text = label->palette().color(label->foregroundRole());
+        EXPECT_GE(Contrast(text, background), 4.5)
+            << label->objectName().toStdString() << " \"" << label->text().toStdString() << "\"";
+        ++checked;
+    }
+    EXPECT_GE(checked, 3);
+    dark->trigger();
+    EXPECT_GT(QApplication::palette().color(QPalette::Base).lightness(), 200);
+}
+
+TEST(Gallery, PrintFailuresOfEveryKindOfChartAreToldToTheUser) {
+    class Unwritable final : public trv5::IPrintDialog {
+    public:
+        bool Exec(trv5::PrintSettings& pSettings) override {
+            pSettings.outputFile = QStringLiteral("/nonexistent-folder/chart.pdf");
+            return true;
+        }
+    };
+    GalleryWindow window;
+    QStringList told;
+    window.SetErrorSink(
+        [&](const QString& pTitle, const QString& pMessage) { told << pTitle + ": " + pMessage; });
+    QAction* print = ChartMenuAction(window, QStringLiteral("&Print..."));
+    ASSERT_NE(print, nullptr);
+    const auto dialog = std::make_shared<Unwritable>();
+    window.Board().Progress().SetPrintDialog(dialog);
+    window.Board().Roc().SetPrintDialog(dialog);
+    window.Board().Curve().SetPrintDialog(dialog);
+    for (const char* name : {"progress", "roc", "curvefitting"}) {
+        SCOPED_TRACE(name);
+        told.clear();
+        window.SetCurrentChart(QString::fromLatin1(name));
+        print->trigger();
+        ASSERT_EQ(told.size(), 1);
+        EXPECT_TRUE(
+            told.front().startsWith(window.Board().Entry(QString::fromLatin1(name))->title));
+    }
+    // The self-drawn chart's own context menu reports too, and so does a renewed chart.
+    told.clear();
+    window.Board().RenewProgress().SetPrintDialog(dialog);
+    window.Board().Progress().findChildren<QAction*>(QStringLiteral("mnuMain"))[3]->trigger();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.front().contains(QStringLiteral("/nonexistent-folder/chart.pdf")));
 }

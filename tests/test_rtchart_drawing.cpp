@@ -18,6 +18,7 @@
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -418,6 +419,16 @@ TEST_F(ChartFixture, CopiesAndPrintsThePictureOfTheChart) {
     const QByteArray bytes = file.readAll();
     EXPECT_TRUE(bytes.startsWith("%PDF"));
     EXPECT_TRUE(bytes.contains("/Image")) << "the chart's picture is on the page";
+
+    // A file that cannot be written is reported with its name; the chart shows nothing itself.
+    QStringList failures;
+    QObject::connect(&chart, &RTChart::PrintFailed,
+                     [&](const QString& pMessage) { failures << pMessage; });
+    const QString unwritable = dir.filePath(QStringLiteral("no/such/folder/chart.pdf"));
+    chart.SetPrintDialog(std::make_shared<AnswerToPdf>(unwritable));
+    MainEntries()[3]->trigger();
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.front().contains(unwritable)) << failures.front().toStdString();
 }
 
 TEST_F(ChartFixture, LayoutKeepsLabelsBesideThePlotAtEverySize) {
@@ -470,5 +481,53 @@ TEST_F(ChartFixture, LayoutKeepsLabelsBesideThePlotAtEverySize) {
         }
         const QPointF middle(plot.width() / 2.0, plot.height() / 2.0);
         (void)ToolTipAtPixel(middle); // no crash on any size
+    }
+}
+
+TEST_F(ChartFixture, PointNumbersFollowTheGenerationsOfTheExportedRows) {
+    const auto index = chart.AddSeries(nullptr, false, QStringLiteral("Best"));
+    auto series = chart.GetSeries(index);
+    series->Init(250, 0, 1, trv5::DripFeed, false);
+    series->SetColour(kRed);
+    for (int g = 0; g < 250; ++g) {
+        chart.AddPoint(index, 5.0 + std::sin(g / 10.0));
+    }
+    chart.SetShowXAxis(true);
+    chart.resize(600, 300);
+    // Point numbers with their horizontal centres, in the order they stand.
+    const auto pointNumbers = [&] {
+        chart.Refresh();
+        std::vector<std::pair<int, int>> numbers;
+        const int plotBottom = Pic().geometry().bottom();
+        for (QLabel* label : chart.findChildren<QLabel*>(QStringLiteral("lblTick"))) {
+            if (label->isVisibleTo(&chart) && label->geometry().top() > plotBottom) {
+                numbers.emplace_back(label->text().toInt(), label->geometry().center().x());
+            }
+        }
+        std::sort(numbers.begin(), numbers.end());
+        return numbers;
+    };
+    const auto unnumbered = pointNumbers();
+    ASSERT_GE(unnumbered.size(), 3U);
+    EXPECT_EQ(unnumbered.front().first, 0) << "without a generation the points are numbered";
+
+    chart.SetLastGenerationForCopy(250);
+    const QStringList rows = chart.GetChartDataAsString().split(QStringLiteral("\r\n"));
+    ASSERT_GT(rows.size(), 2);
+    EXPECT_TRUE(rows[1].startsWith(QStringLiteral("1\t"))) << rows[1].toStdString();
+    const auto generations = pointNumbers();
+    ASSERT_GE(generations.size(), 3U);
+    const QRect plot = Pic().geometry();
+    for (const auto& [number, centre] : generations) {
+        EXPECT_GE(number, 1);
+        EXPECT_LE(number, 250);
+        // Generation n is the point with index n - 1, as in the exported rows.
+        const double expected = plot.left() + (number - 1) / 249.0 * plot.width();
+        EXPECT_NEAR(centre, expected, 2.0) << number;
+    }
+    const int step = generations[1].first - generations[0].first;
+    ASSERT_GT(step, 0);
+    for (const auto& entry : generations) {
+        EXPECT_EQ(entry.first % step, 0) << "round generation numbers, not 1, 51, 101";
     }
 }

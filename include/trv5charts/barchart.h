@@ -166,8 +166,12 @@ public:
     // The values as text to the clipboard: the header line, then the values separated by tabs.
     // Nothing happens before values were handed in or when there is no value to copy.
     void CopyChartData();
-    // The control's picture to the printer chosen in the print dialog.
+    // The control's picture to the printer chosen in the print dialog, at its on-screen size or
+    // shrunk to the page. A failure (no printer, a file that cannot be written) is reported by
+    // PrintFailed; a cancel ends it silently.
     void PrintChart();
+    // A modal preview of the page PrintChart prints.
+    void PrintPreview();
     // Lets a host or a test answer the print dialog; nullptr returns to the Qt dialog.
     void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
 
@@ -179,8 +183,15 @@ public:
     void FromString(const QString& pText) override;
     bool IsTypeOf(const QString& pText) override;
 
+signals:
+    // The print command could not print, for a reason the user should hear of; pMessage says
+    // which printer or file failed. The chart itself shows nothing.
+    void PrintFailed(const QString& pMessage);
+
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
+    // A background that follows the palette is drawn again in a new palette's colours.
+    void changeEvent(QEvent* pEvent) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
@@ -230,6 +241,7 @@ private:
     std::vector<std::int32_t> m_longData;
     std::int32_t m_hasData = 0;
     bool m_showCopyPrint = true;
+    bool m_recolouring = false;
 
     QString m_tag;
     QString m_dataField;

@@ -57,11 +57,29 @@ QImage CaptureWindow(QWidget* pControl, bool pClient, int pLeft, int pTop, int p
 // the picture. A null or empty control leaves the clipboard cleared.
 void CopyControlPicture(QWidget* pControl, QMenu* pMenuToHide = nullptr);
 
+// How a print command ended. A failure carries a message for the user: which printer could not
+// start the document, or which file could not be written.
+struct PrintResult {
+    enum class Outcome { Printed, Cancelled, Failed };
+    Outcome outcome = Outcome::Cancelled;
+    QString message;
+    bool Failed() const { return outcome == Outcome::Failed; }
+};
+
 // The chart's print command: shows pDialog; on cancel nothing else happens. Otherwise hides the
-// menu, captures pControl once and prints the picture at the top-left of the printable area at
-// its natural size, one document per copy, in the chosen orientation. Printing failures end the
-// command silently, as a cancelled dialog does: the command is a menu action with nobody to
-// report to.
-void PrintControlPicture(QWidget* pControl, IPrintDialog& pDialog, QMenu* pMenuToHide = nullptr);
+// menu, captures pControl once and prints the picture, one document per copy, in the chosen
+// orientation. The picture stands at the top-left corner of the printable area at its natural
+// (on-screen) size, or scaled down keeping its proportions when it does not fit the page; PDF
+// output keeps its pixels exactly. Nothing is thrown: a dialog that fails, a printer that cannot
+// start or a file that cannot be written comes back as a failed result with its message, which
+// the chart's menu passes on as its PrintFailed signal so that the host can tell the user.
+PrintResult PrintControlPicture(QWidget* pControl, IPrintDialog& pDialog,
+                                QMenu* pMenuToHide = nullptr);
+
+// The print preview of a chart: a modal dialog (object name "dlgPrintPreview", parent pParent)
+// whose page shows the picture exactly as PrintControlPicture prints it. The picture is taken
+// once, with pMenuToHide closed first, when the dialog opens.
+void PreviewControlPicture(QWidget* pControl, QWidget* pParent = nullptr,
+                           QMenu* pMenuToHide = nullptr);
 
 } // namespace trv5

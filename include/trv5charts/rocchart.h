@@ -127,6 +127,14 @@ public:
 
     // The print dialog the menu's print command shows; nullptr returns to the Qt dialog.
     void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
+    // A modal preview of the page the menu's print command prints.
+    void PrintPreview();
+
+signals:
+    // The menu's print command could not print, for a reason the user should hear of (no
+    // printer, a file that cannot be written); a cancel is not reported. The chart itself
+    // shows nothing.
+    void PrintFailed(const QString& pMessage);
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
@@ -148,6 +156,8 @@ private:
     void DrawLegendSamples();
     void SetTickTexts();
     void ApplyInverted();
+    void ApplyTextColours();
+    void DescribeData();
     void OnMenuItem(int pIndex);
     void CopyChartData();
 
@@ -174,6 +184,7 @@ private:
     std::int32_t m_labelsColor = 0x000000;
     std::int32_t m_backColor = 0xFFFFFF;
     std::int32_t m_foreColor = 0x000000;
+    bool m_recolouring = false;
     std::int32_t m_frameColor = 0x000000;
     float m_heightPercent = 0.0F;
     bool m_inverted = false;

@@ -186,9 +186,18 @@ public:
     void EditCopy();
     // The dialog the menu's print command shows; null returns to the Qt print dialog.
     void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
+    // A modal preview of the page the menu's print command prints.
+    void PrintPreview();
+
+signals:
+    // The menu's print command could not print, for a reason the user should hear of (no
+    // printer, a file that cannot be written); a cancel is not reported. The chart itself
+    // shows nothing.
+    void PrintFailed(const QString& pMessage);
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
+    void changeEvent(QEvent* pEvent) override;
     // A right click or the keyboard's menu key: the context menu.
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
     // Mouse moves over the plot set its tooltip.
@@ -229,6 +238,7 @@ private:
     double m_lineValue = 0.0;
     std::int32_t m_lineColour;
     bool m_singleSeries = false;
+    bool m_recolouring = false;
 
     std::int32_t m_backColor = 0xFFFFFF;
     QString m_tag;

@@ -51,6 +51,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
+    void changeEvent(QEvent* pEvent) override;
 
 private:
     void RedrawText();
@@ -58,6 +59,7 @@ private:
     platform::DrawingSurface* pic;
     QString m_text;
     std::int32_t m_backColor;
+    bool m_recolouring = false;
 };
 
 } // namespace trv5

@@ -1,6 +1,7 @@
 #include <trv5charts/capture.h>
 
 #include "platform/clipboardaccess.h"
+#include "platform/focusmark.h"
 #include "platform/imagecompose.h"
 #include "platform/printeraccess.h"
 
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <exception>
 
 namespace trv5 {
 
@@ -73,6 +75,8 @@ QImage CaptureWindow(QWidget* pControl, bool pClient, int pLeft, int pTop, int p
 
     QPixmap covered;
     if (left < right && top < bottom) {
+        // The keyboard focus mark belongs to the screen, not to the chart's picture.
+        const platform::FocusMark::HiddenDuringCapture noMark(pControl);
         // The widget renders itself rather than the screen being read back, so what lies on
         // top of it (its own context menu, another window) never spoils the picture. There is
         // no palette to carry: true-colour displays have none, unlike 256-colour ones of old.
@@ -116,20 +120,42 @@ void CopyControlPicture(QWidget* pControl, QMenu* pMenuToHide) {
     }
 }
 
-void PrintControlPicture(QWidget* pControl, IPrintDialog& pDialog, QMenu* pMenuToHide) {
+PrintResult PrintControlPicture(QWidget* pControl, IPrintDialog& pDialog, QMenu* pMenuToHide) {
     const QPointer<QWidget> control(pControl);
+    PrintResult result;
     try {
         PrintSettings settings;
         if (!pDialog.Exec(settings)) {
-            return;
+            return result;
         }
         HideMenuAndSettle(pMenuToHide);
+        if (settings.copies <= 0) {
+            result.outcome = PrintResult::Outcome::Printed;
+            return result;
+        }
         const QImage picture = CaptureControl(control.data());
-        platform::PrinterAccess::PrintCopies(picture, settings);
+        const int sent = platform::PrinterAccess::PrintCopies(picture, settings, &result.message);
+        result.outcome =
+            sent == settings.copies ? PrintResult::Outcome::Printed : PrintResult::Outcome::Failed;
+    } catch (const std::exception& error) {
+        result.outcome = PrintResult::Outcome::Failed;
+        result.message = QString::fromLocal8Bit(error.what());
     } catch (...) {
-        // A menu command has no caller to report to: a failed dialog or printer ends it the
-        // way a cancel does.
+        result.outcome = PrintResult::Outcome::Failed;
+        result.message = QStringLiteral("The chart could not be printed.");
     }
+    return result;
+}
+
+void PreviewControlPicture(QWidget* pControl, QWidget* pParent, QMenu* pMenuToHide) {
+    const QPointer<QWidget> control(pControl);
+    HideMenuAndSettle(pMenuToHide);
+    const QImage picture = CaptureControl(control.data());
+    const QString title = control.isNull() || control->accessibleName().isEmpty()
+                              ? QStringLiteral("Print Preview")
+                              : QStringLiteral("Print Preview - %1").arg(control->accessibleName());
+    platform::PrinterAccess::PreviewPicture(picture, pParent != nullptr ? pParent : control.data(),
+                                            title);
 }
 
 } // namespace trv5

@@ -2,6 +2,7 @@
 
 #include "platform/chartengine.h"
 #include "platform/clipboardaccess.h"
+#include "platform/focusmark.h"
 #include "platform/frameborder.h"
 #include "platform/printeraccess.h"
 
@@ -26,6 +27,7 @@ HostedChartFrame::HostedChartFrame(QString pDefaultDefinition, QWidget* pParent)
       m_printDialog(std::make_shared<platform::QtPrintDialog>(this)) {
     mChart->SetLabelNumberFormat([](double pValue) { return NumberFormat::Short(pValue); });
     connect(mChart.get(), &platform::ChartEngine::MouseDown, this, &HostedChartFrame::MouseDown);
+    new platform::FocusMark(this);
     LayoutEngine();
 }
 
@@ -149,6 +151,22 @@ void HostedChartFrame::resizeEvent(QResizeEvent* pEvent) {
 
 void HostedChartFrame::paintEvent(QPaintEvent* pEvent) {
     QWidget::paintEvent(pEvent);
+    // What a screen reader says beside the chart's name: its title and how much it shows. Kept
+    // up to date with every frame, which is when the content can have changed.
+    int series = 0;
+    qint64 points = 0;
+    for (int i = 0; i < mChart->SeriesCount(); ++i) {
+        const platform::ChartSeries& one = mChart->Series(i);
+        if (one.Visible() && one.PointCount() > 0) {
+            ++series;
+            points += one.PointCount();
+        }
+    }
+    const QString title = mChart->TitleCount() > 0 ? mChart->Title(0).Text().trimmed() : QString();
+    setAccessibleDescription(QStringLiteral("%1, %2 series, %3 points")
+                                 .arg(title.isEmpty() ? QStringLiteral("Chart") : title)
+                                 .arg(series)
+                                 .arg(points));
     if (m_drawBorder) {
         platform::PaintFrameBorder(*this, mChart->Widget()->geometry());
     }

@@ -1,4 +1,5 @@
 #include "platform/chartengine.h"
+#include "platform/printeraccess.h"
 
 #include "platform/engineplot.h"
 
@@ -473,8 +474,13 @@ void ChartEngine::Print(QPaintDevice& pDevice) {
         throw ChartError(kPrinterError, QStringLiteral("The printer could not start the document"));
     }
     const QSize size = plot->width() > 0 && plot->height() > 0 ? plot->size() : kFallbackPrintSize;
-    const double scale = std::min(static_cast<double>(pDevice.width()) / size.width(),
-                                  static_cast<double>(pDevice.height()) / size.height());
+    // Placed as the self-drawn charts' pictures are: at the on-screen size when that fits the
+    // page, shrunk to the page when it does not.
+    const QSizeF natural(size.width() * pDevice.logicalDpiX() / std::max(1, plot->logicalDpiX()),
+                         size.height() * pDevice.logicalDpiY() / std::max(1, plot->logicalDpiY()));
+    const QRectF placed =
+        PrinterAccess::PlaceOnPage(natural, QSizeF(pDevice.width(), pDevice.height()));
+    const double scale = placed.width() / size.width();
     painter.setMode(QCPPainter::pmVectorized);
     painter.setMode(QCPPainter::pmNonCosmetic);
     if (scale > 0.0) {

@@ -249,8 +249,9 @@ public:
     // without area gives a null image.
     QImage Render(const QSize& pSize);
     QImage Render();
-    // Draws the chart onto a printer or other paint device, scaled to fit its page while keeping
-    // the control's proportions. ChartError 482 when the device cannot be painted on.
+    // Draws the chart onto a printer or other paint device at the top-left of its page, at the
+    // control's on-screen size when that fits and shrunk to the page keeping the control's
+    // proportions when it does not. ChartError 482 when the device cannot be painted on.
     void Print(QPaintDevice& pDevice);
     // The print preview dialog, modal, named "dlgPrintPreview".
     void PrintPreview(QWidget* pParent);

@@ -59,8 +59,16 @@ void ChartMenu::CopyOwnerPicture() {
     CopyControlPicture(m_owner, m_menu);
 }
 
-void ChartMenu::PrintOwnerPicture() {
-    PrintControlPicture(m_owner, PrintDialog(), m_menu);
+PrintResult ChartMenu::PrintOwnerPicture() {
+    PrintResult result = PrintControlPicture(m_owner, PrintDialog(), m_menu);
+    if (result.Failed()) {
+        emit PrintFailed(result.message);
+    }
+    return result;
+}
+
+void ChartMenu::PreviewOwnerPicture() {
+    PreviewControlPicture(m_owner, m_owner, m_menu);
 }
 
 void ChartMenu::CopyText(const QString& pText) {

@@ -50,15 +50,19 @@ public:
     void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
 
     // The chart's copy and print commands: the owner's picture to the clipboard or the printer,
-    // with this menu out of the picture.
+    // with this menu out of the picture. A print that fails also emits PrintFailed.
     void CopyOwnerPicture();
-    void PrintOwnerPicture();
+    PrintResult PrintOwnerPicture();
+    // The print preview of the owner's picture, the page exactly as PrintOwnerPicture prints it.
+    void PreviewOwnerPicture();
     // Replaces the clipboard's content with plain text.
     static void CopyText(const QString& pText);
 
 signals:
     // An entry was chosen, by its index.
     void Triggered(int pIndex);
+    // Printing failed for a reason the user should hear of (not a cancel).
+    void PrintFailed(const QString& pMessage);
 
 private:
     QWidget* m_owner;

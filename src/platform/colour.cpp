@@ -1,7 +1,12 @@
 #include "platform/colour.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QPalette>
+#include <QWidget>
+
+#include <algorithm>
+#include <cmath>
 
 namespace trv5::platform {
 
@@ -37,6 +42,16 @@ QPalette::ColorRole RoleOfSystemColour(std::uint32_t pIndex) {
     }
 }
 
+// The relative luminance of an sRGB colour.
+double Luminance(const QColor& pColour) {
+    const auto linear = [](double pChannel) {
+        return pChannel <= 0.04045 ? pChannel / 12.92 : std::pow((pChannel + 0.055) / 1.055, 2.4);
+    };
+    const QColor rgb = pColour.toRgb();
+    return 0.2126 * linear(rgb.redF()) + 0.7152 * linear(rgb.greenF()) +
+           0.0722 * linear(rgb.blueF());
+}
+
 } // namespace
 
 std::int32_t FromQColor(const QColor& pColour) {
@@ -44,9 +59,68 @@ std::int32_t FromQColor(const QColor& pColour) {
     return rgb.red() | (rgb.green() << 8) | (rgb.blue() << 16);
 }
 
+bool FollowsPalette(std::int32_t pColour) {
+    return (static_cast<std::uint32_t>(pColour) & 0x80000000U) != 0U;
+}
+
+double ContrastRatio(const QColor& pFirst, const QColor& pSecond) {
+    const double first = Luminance(pFirst);
+    const double second = Luminance(pSecond);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+QColor ReadableText(std::int32_t pText, std::int32_t pBackground) {
+    const QColor background = ToQColor(pBackground);
+    const QColor text = ToQColor(pText);
+    if (ContrastRatio(text, background) >= kReadableContrast) {
+        return text;
+    }
+    if (FollowsPalette(pBackground)) {
+        const QColor paletteText = QApplication::palette().color(QPalette::WindowText);
+        if (ContrastRatio(paletteText, background) >= kReadableContrast) {
+            return paletteText;
+        }
+    }
+    const QColor black(Qt::black);
+    const QColor white(Qt::white);
+    return ContrastRatio(black, background) >= ContrastRatio(white, background) ? black : white;
+}
+
+void FollowPaletteChange(const QEvent& pEvent, bool pFollows, bool& pRecolouring,
+                         const std::function<void()>& pRecolour) {
+    if (pEvent.type() != QEvent::PaletteChange || !pFollows || pRecolouring) {
+        return;
+    }
+    pRecolouring = true;
+    try {
+        pRecolour();
+    } catch (...) {
+        pRecolouring = false;
+        throw;
+    }
+    pRecolouring = false;
+}
+
+void ColourLabel(QWidget& pLabel, std::int32_t pText, std::int32_t pBackground) {
+    const QColor background = ToQColor(pBackground);
+    const QColor text = ReadableText(pText, pBackground);
+    QPalette palette = pLabel.palette();
+    if (palette.color(QPalette::Window) != background ||
+        palette.color(QPalette::WindowText) != text) {
+        palette.setColor(QPalette::Window, background);
+        palette.setColor(QPalette::WindowText, text);
+        pLabel.setPalette(palette);
+    }
+    // Roles are inherited from the parent when not set: a host that gives its container another
+    // role (a card in the text-field colour) must not turn the label to other palette entries.
+    pLabel.setBackgroundRole(QPalette::Window);
+    pLabel.setForegroundRole(QPalette::WindowText);
+    pLabel.setAutoFillBackground(true);
+}
+
 QColor ToQColor(std::int32_t pColour) {
     const auto bits = static_cast<std::uint32_t>(pColour);
-    if ((bits & 0x80000000U) != 0U) {
+    if (FollowsPalette(pColour)) {
         const std::uint32_t index = bits & 0xFFU;
         // Grey text is the colour of disabled text, which a palette keeps in its disabled group.
         if (index == kGreyText) {

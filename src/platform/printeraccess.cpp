@@ -1,10 +1,15 @@
 #include "platform/printeraccess.h"
 
 #include <QDialog>
+#include <QPaintDevice>
 #include <QPainter>
 #include <QPrintDialog>
+#include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QRectF>
+
+#include <algorithm>
+#include <cmath>
 
 namespace trv5::platform {
 
@@ -41,6 +46,46 @@ QString DocumentFile(const PrintSettings& pSettings, int pCopy) {
 
 } // namespace
 
+QRectF PrinterAccess::PlaceOnPage(QSizeF pNatural, QSizeF pPrintable) {
+    const double width = pNatural.width();
+    const double height = pNatural.height();
+    if (!(width > 0.0) || !(height > 0.0) || !std::isfinite(width) || !std::isfinite(height)) {
+        return {};
+    }
+    const double shrink = std::min({1.0, std::max(0.0, pPrintable.width()) / width,
+                                    std::max(0.0, pPrintable.height()) / height});
+    return {QPointF(0.0, 0.0), QSizeF(width * shrink, height * shrink)};
+}
+
+QSizeF PrinterAccess::NaturalSize(const QImage& pImage, const QPaintDevice& pDevice) {
+    return {pImage.width() * pDevice.logicalDpiX() / PictureDpi(pImage.dotsPerMeterX()),
+            pImage.height() * pDevice.logicalDpiY() / PictureDpi(pImage.dotsPerMeterY())};
+}
+
+bool PrinterAccess::PaintPicture(QPaintDevice& pDevice, const QImage& pImage) {
+    if (pImage.isNull()) {
+        return false;
+    }
+    // Beginning the painter opens the first page, so no placeholder output is needed to start
+    // the document.
+    QPainter painter;
+    if (!painter.begin(&pDevice)) {
+        return false;
+    }
+    // Without this hint the PDF writer stores pictures as JPEG, which smears thin chart lines
+    // and small text.
+    painter.setRenderHint(QPainter::LosslessImageRendering);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QRectF target =
+        PlaceOnPage(NaturalSize(pImage, pDevice), QSizeF(pDevice.width(), pDevice.height()));
+    // The resolution above already accounts for a HiDPI picture; drawing it with its device
+    // pixel ratio as well would halve it a second time.
+    QImage picture = pImage;
+    picture.setDevicePixelRatio(1.0);
+    painter.drawImage(target, picture);
+    return painter.end();
+}
+
 bool PrinterAccess::PrintDocument(const QImage& pImage, const PrintSettings& pSettings,
                                   const QString& pOutputFile) {
     if (pImage.isNull()) {
@@ -48,33 +93,47 @@ bool PrinterAccess::PrintDocument(const QImage& pImage, const PrintSettings& pSe
     }
     QPrinter printer(QPrinter::HighResolution);
     Configure(printer, pSettings, pOutputFile);
-
-    // Beginning the painter opens the first page, so no placeholder output is needed to start
-    // the document.
-    QPainter painter;
-    if (!painter.begin(&printer)) {
-        return false;
-    }
-    const double printerDpi = printer.resolution();
-    const QSizeF target(pImage.width() * printerDpi / PictureDpi(pImage.dotsPerMeterX()),
-                        pImage.height() * printerDpi / PictureDpi(pImage.dotsPerMeterY()));
-    // The resolution above already accounts for a HiDPI picture; drawing it with its device
-    // pixel ratio as well would halve it a second time.
-    QImage picture = pImage;
-    picture.setDevicePixelRatio(1.0);
-    painter.drawImage(QRectF(QPointF(0.0, 0.0), target), picture);
-    return painter.end();
+    return PaintPicture(printer, pImage);
 }
 
-int PrinterAccess::PrintCopies(const QImage& pImage, const PrintSettings& pSettings) {
+int PrinterAccess::PrintCopies(const QImage& pImage, const PrintSettings& pSettings,
+                               QString* pError) {
     int sent = 0;
     for (int copy = 1; copy <= pSettings.copies; ++copy) {
-        if (!PrintDocument(pImage, pSettings, DocumentFile(pSettings, copy))) {
+        const QString file = DocumentFile(pSettings, copy);
+        if (!PrintDocument(pImage, pSettings, file)) {
+            if (pError != nullptr) {
+                *pError = pImage.isNull() ? QStringLiteral("There is no picture to print.")
+                                          : FailureText(pSettings, file);
+            }
             break;
         }
         ++sent;
     }
     return sent;
+}
+
+void PrinterAccess::PreviewPicture(const QImage& pImage, QWidget* pParent, const QString& pTitle) {
+    QPrinter printer(QPrinter::HighResolution);
+    QPrintPreviewDialog dialog(&printer, pParent);
+    dialog.setObjectName(QStringLiteral("dlgPrintPreview"));
+    if (!pTitle.isEmpty()) {
+        dialog.setWindowTitle(pTitle);
+    }
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                     [&pImage](QPrinter* pPrinter) { PaintPicture(*pPrinter, pImage); });
+    dialog.exec();
+}
+
+QString PrinterAccess::FailureText(const PrintSettings& pSettings, const QString& pOutputFile) {
+    if (!pOutputFile.isEmpty()) {
+        return QStringLiteral("The file \"%1\" could not be written.").arg(pOutputFile);
+    }
+    if (!pSettings.printerName.isEmpty()) {
+        return QStringLiteral("The printer \"%1\" could not start the document.")
+            .arg(pSettings.printerName);
+    }
+    return QStringLiteral("No printer is available.");
 }
 
 void PrinterAccess::PrintCopies(const PrintSettings& pSettings,

@@ -3,6 +3,8 @@
 #include <trv5charts/capture.h>
 
 #include <QImage>
+#include <QRectF>
+#include <QSizeF>
 #include <QString>
 
 #include <functional>
@@ -16,18 +18,41 @@ namespace trv5::platform {
 // every copy is a separate job in the print queue, as hosts have always received them.
 class PrinterAccess {
 public:
+    // Where a picture of pNatural size goes on a page whose printable area is pPrintable large
+    // (both in the device's units): at the printable area's top-left corner, at its natural size
+    // when it fits and scaled down keeping its proportions when it does not. A picture is never
+    // enlarged, so a small chart prints as large as it looked on screen.
+    static QRectF PlaceOnPage(QSizeF pNatural, QSizeF pPrintable);
+
+    // The size pImage takes on pDevice at its natural size: the image's own resolution
+    // converted to the device's, so a 96-dpi screen picture prints as large as it looked on
+    // screen instead of a speck at 1200 dpi.
+    static QSizeF NaturalSize(const QImage& pImage, const QPaintDevice& pDevice);
+
+    // Draws pImage on a page of pDevice (a printer, or the page of a print preview) placed by
+    // PlaceOnPage, without lossy compression: a PDF keeps the chart's pixels exactly. Returns
+    // false when the device cannot be painted on (no printer, a file that cannot be written)
+    // or the picture is null.
+    static bool PaintPicture(QPaintDevice& pDevice, const QImage& pImage);
+
     // Prints pImage as one single-page document to pSettings' printer or to pOutputFile when it
-    // is not empty (PDF). The picture sits at the top-left corner of the printable area at its
-    // natural size: the image's own resolution converted to the printer's, so a 96-dpi screen
-    // picture prints as large as it looked on screen instead of a speck at 1200 dpi.
-    // Returns false when the printer could not start the document (no printer, a file that
-    // cannot be written) or the picture is null; nothing is sent then.
+    // is not empty (PDF), painted by PaintPicture. Returns false when the printer could not start
+    // the document or the picture is null; nothing is sent then.
     static bool PrintDocument(const QImage& pImage, const PrintSettings& pSettings,
                               const QString& pOutputFile);
 
     // One document per copy (none for zero or fewer copies). Stops at the first document that
-    // fails, since the next one would fail the same way. Returns the number of documents sent.
-    static int PrintCopies(const QImage& pImage, const PrintSettings& pSettings);
+    // fails, since the next one would fail the same way, and then says why in pError (when
+    // given). Returns the number of documents sent.
+    static int PrintCopies(const QImage& pImage, const PrintSettings& pSettings,
+                           QString* pError = nullptr);
+
+    // A modal print preview of pImage, named "dlgPrintPreview", whose pages are painted by
+    // PaintPicture: the preview shows exactly what printing the picture puts on the page.
+    static void PreviewPicture(const QImage& pImage, QWidget* pParent, const QString& pTitle);
+
+    // Why a document for pSettings could not be started, in words for the user.
+    static QString FailureText(const PrintSettings& pSettings, const QString& pOutputFile);
 
     // One document per copy, each drawn by pDraw on a printer set up from pSettings as above
     // (vector output for charts that can paint themselves). What pDraw throws ends the job.

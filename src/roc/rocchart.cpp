@@ -6,6 +6,7 @@
 #include "platform/chartmenu.h"
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
+#include "platform/focusmark.h"
 #include "roc/rocdatatext.h"
 #include "roc/rocdrawing.h"
 #include "roc/roclayout.h"
@@ -89,12 +90,6 @@ QSize LegendSize(const QFontMetricsF& pCaption, double pScale, const QString& pF
             padding * 2 + Scaled(kLegendRowSpacing, pScale) + 2 * row};
 }
 
-void SetTextColour(QLabel* pLabel, std::int32_t pColour) {
-    QPalette palette = pLabel->palette();
-    palette.setColor(QPalette::WindowText, platform::ToQColor(pColour));
-    pLabel->setPalette(palette);
-}
-
 QLabel* MakeLabel(QWidget* pParent, const QString& pName, const QString& pText = QString()) {
     auto* label = new QLabel(pText, pParent);
     label->setObjectName(pName);
@@ -139,11 +134,14 @@ ROCChart::ROCChart(QWidget* pParent) : QWidget(pParent) {
     ctxMain->Item(kQuantitySeparator)->setVisible(false);
     ctxMain->Item(kQuantity)->setVisible(false);
     connect(ctxMain, &platform::ChartMenu::Triggered, this, &ROCChart::OnMenuItem);
+    connect(ctxMain, &platform::ChartMenu::PrintFailed, this, &ROCChart::PrintFailed);
+    setFocusPolicy(Qt::StrongFocus);
+    new platform::FocusMark(this);
+    setAccessibleName(QStringLiteral("ROC chart"));
 
     m_surface->lower();
     m_frameColor = m_foreColor;
     vlLegend->SetText(kVerticalTitle);
-    SetTextColour(lblRecords, kRecordsColour);
     SetForeColor(m_foreColor);
     SetBackColor(m_backColor);
     ApplyInverted();
@@ -213,9 +211,7 @@ void ROCChart::SetDiagonalColor(std::int32_t pColour) {
 
 void ROCChart::SetBackColor(std::int32_t pColour) {
     m_backColor = pColour;
-    QPalette palette = this->palette();
-    palette.setColor(QPalette::Window, platform::ToQColor(pColour));
-    setPalette(palette);
+    ApplyTextColours();
     for (DrawingSurface* surface : {m_surface, pic, picLegend, lnROCCurve, lnBaseline}) {
         surface->SetBackColor(pColour);
     }
@@ -227,11 +223,19 @@ void ROCChart::SetBackColor(std::int32_t pColour) {
 
 void ROCChart::SetForeColor(std::int32_t pColour) {
     m_foreColor = pColour;
+    ApplyTextColours();
+}
+
+void ROCChart::ApplyTextColours() {
     // Labels without a colour of their own (titles, legend captions, AUC figures) follow the
-    // control's text colour.
-    QPalette palette = this->palette();
-    palette.setColor(QPalette::WindowText, platform::ToQColor(pColour));
-    setPalette(palette);
+    // control's text colour; every text colour is checked against the background, so a dark
+    // palette behind a light chart (or the reverse) never hides them.
+    platform::ColourLabel(*this, m_foreColor, m_backColor);
+    platform::ColourLabel(*lblRecords, kRecordsColour, m_backColor);
+    for (std::size_t i = 0; i < lblX.size(); ++i) {
+        platform::ColourLabel(*lblX[i], m_labelsColor, m_backColor);
+        platform::ColourLabel(*lblY[i], m_labelsColor, m_backColor);
+    }
 }
 
 QColor ROCChart::ROCQColor() const {
@@ -298,6 +302,11 @@ void ROCChart::changeEvent(QEvent* pEvent) {
     if (pEvent->type() == QEvent::FontChange && pic != nullptr) {
         ApplyLayout();
     }
+    // Colours that follow the palette are taken again from a new one.
+    platform::FollowPaletteChange(*pEvent,
+                                  pic != nullptr && (platform::FollowsPalette(m_backColor) ||
+                                                     platform::FollowsPalette(m_foreColor)),
+                                  m_recolouring, [this] { SetBackColor(m_backColor); });
 }
 
 // ---- data ----
@@ -344,14 +353,26 @@ void ROCChart::Refresh() {
     } catch (...) {
         pic->Cls();
     }
+    DescribeData();
     if (pic->isHidden()) {
         for (QWidget* child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-            if (!child->isWindow()) {
+            // The focus mark shows only with the keyboard focus.
+            if (!child->isWindow() && qobject_cast<platform::FocusMark*>(child) == nullptr) {
                 child->setVisible(true);
             }
         }
     }
     ApplyInverted();
+}
+
+void ROCChart::DescribeData() {
+    // What a screen reader says about the chart beside its name.
+    setAccessibleDescription(
+        m_content == PlotContent::Curve
+            ? QStringLiteral("ROC curve, %1 points, AUC %2")
+                  .arg(m_fpRates.size())
+                  .arg(lblAUC->isVisibleTo(this) ? lblAUC->text() : QStringLiteral("not set"))
+            : QStringLiteral("ROC curve, no data"));
 }
 
 void ROCChart::Reset() {
@@ -362,6 +383,7 @@ void ROCChart::Reset() {
     m_content = PlotContent::Diagonal;
     Redraw();
     m_dataChanged = false;
+    DescribeData();
 }
 
 void ROCChart::SetTickTexts() {
@@ -370,8 +392,8 @@ void ROCChart::SetTickTexts() {
         const auto index = static_cast<std::size_t>(i);
         lblX[index]->setText(NumberFormat::WithDigits(i / kTickStep, 1));
         lblY[index]->setText(NumberFormat::WithDigits((count - i) / kTickStep, 1));
-        SetTextColour(lblX[index], m_labelsColor);
-        SetTextColour(lblY[index], m_labelsColor);
+        platform::ColourLabel(*lblX[index], m_labelsColor, m_backColor);
+        platform::ColourLabel(*lblY[index], m_labelsColor, m_backColor);
     }
 }
 
@@ -564,6 +586,10 @@ void ROCChart::CopyChartData() {
 
 void ROCChart::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {
     ctxMain->SetPrintDialog(std::move(pDialog));
+}
+
+void ROCChart::PrintPreview() {
+    ctxMain->PreviewOwnerPicture();
 }
 
 } // namespace trv5

@@ -204,7 +204,9 @@ ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetric
         right = kPad + (pInput.axes[1].present ? texts[1].width + kLabelGap : 0);
         if (showX && !pInput.axes[1].present) {
             // Room for half of the last point number under the plot's right edge.
-            right = std::max(right, TextWidth(pMetrics, QString::number(pInput.xLast)) / 2 + 2);
+            right = std::max(
+                right,
+                TextWidth(pMetrics, QString::number(pInput.xFirst + pInput.xLast, 'f', 0)) / 2 + 2);
         }
         if (width - left - right < kMinPlotSide) {
             showLabels = false;
@@ -253,22 +255,26 @@ ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetric
         }
     }
 
-    // Point numbers under the plot.
+    // Point numbers under the plot, at round numbers of what they count (points or
+    // generations); the grid lines stand at the same indexes.
     if (showX) {
         const double last = std::max(1.0, pInput.xLast);
-        const int widest = TextWidth(pMetrics, QString::number(last, 'f', 0));
+        const double first = std::isfinite(pInput.xFirst) ? pInput.xFirst : 0.0;
+        const int widest = std::max(TextWidth(pMetrics, QString::number(first, 'f', 0)),
+                                    TextWidth(pMetrics, QString::number(first + last, 'f', 0)));
         double step = 0.0;
         std::vector<double> ticks =
             TicksInside({0.0, last}, plot.width(), widest + 2.5 * th, &step);
         step = std::max(1.0, std::round(step));
         ticks.clear();
-        for (double value = 0.0; value <= last && ticks.size() < kMaxTicks; value += step) {
+        for (double value = std::ceil(first / step) * step - first;
+             value <= last && ticks.size() < kMaxTicks; value += step) {
             ticks.push_back(value);
         }
         const int y = plot.bottom() + 1 + 3;
         for (const double value : ticks) {
             PlacedText tick;
-            tick.text = QString::number(value, 'f', 0);
+            tick.text = QString::number(first + value, 'f', 0);
             const int w = TextWidth(pMetrics, tick.text);
             const int centre =
                 plot.left() + static_cast<int>(std::lround(value / last * plot.width()));

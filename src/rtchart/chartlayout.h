@@ -30,6 +30,9 @@ struct LayoutInput {
     bool showXAxis = false;
     // The highest point index on the horizontal axis (at least 1).
     double xLast = 1.0;
+    // The number shown under point index i is xFirst + i: 0 numbers the points, a generation
+    // number makes them read as generations.
+    double xFirst = 0.0;
     // Legend entries in order; the line's legend last, empty when hidden.
     QStringList legend;
     QString lineLegend;

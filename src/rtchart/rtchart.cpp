@@ -5,6 +5,7 @@
 #include "platform/chartmenu.h"
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
+#include "platform/focusmark.h"
 #include "platform/xmldocument.h"
 
 #include <trv5charts/axisrange.h>
@@ -15,6 +16,7 @@
 #include <trv5charts/mathhelper.h>
 
 #include <QAction>
+#include <QEvent>
 #include <QFrame>
 #include <QLabel>
 
@@ -84,6 +86,10 @@ RTChart::RTChart(QWidget* pParent)
     // Checked from the start, so that a line the host adds is shown unless the user says no.
     mnuShowLine->setChecked(true);
     connect(ctxMain, &platform::ChartMenu::Triggered, this, &RTChart::OnMenuCommand);
+    connect(ctxMain, &platform::ChartMenu::PrintFailed, this, &RTChart::PrintFailed);
+    setFocusPolicy(Qt::StrongFocus);
+    new platform::FocusMark(this);
+    setAccessibleName(QStringLiteral("Run progress chart"));
 
     SetBackColor(m_backColor);
 }
@@ -94,6 +100,8 @@ void RTChart::ApplyBackColor(QWidget* pWidget) const {
     QPalette palette = pWidget->palette();
     palette.setColor(QPalette::Window, platform::ToQColor(m_backColor));
     pWidget->setPalette(palette);
+    // Explicit, so that a role the host gives the chart's container is not inherited.
+    pWidget->setBackgroundRole(QPalette::Window);
     pWidget->setAutoFillBackground(true);
 }
 
@@ -125,6 +133,22 @@ void RTChart::SetBackColor(std::int32_t pColour) {
     for (QLabel* label : lblScale) {
         ApplyBackColor(label);
     }
+    for (QLabel* label : lblLegend) {
+        ApplyBackColor(label);
+    }
+    // The text colours are chosen against the new background.
+    ApplyLayout();
+}
+
+void RTChart::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    // A background that follows the palette takes a new palette's colour, and the texts a
+    // colour that reads on it.
+    platform::FollowPaletteChange(*pEvent, platform::FollowsPalette(m_backColor), m_recolouring,
+                                  [this] {
+                                      SetBackColor(m_backColor);
+                                      DrawChart();
+                                  });
 }
 
 void RTChart::SetMainYAxis(std::shared_ptr<Axis> pAxis) {

@@ -38,6 +38,10 @@ void RTChart::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {
     ctxMain->SetPrintDialog(std::move(pDialog));
 }
 
+void RTChart::PrintPreview() {
+    ctxMain->PreviewOwnerPicture();
+}
+
 void RTChart::contextMenuEvent(QContextMenuEvent* pEvent) {
     for (const int index : {kCopyChart, kCopyData, kPrint}) {
         ctxMain->Item(index)->setEnabled(m_showCopyPrint);

@@ -14,6 +14,7 @@
 #include <QResizeEvent>
 
 #include <algorithm>
+#include <cmath>
 
 namespace trv5 {
 
@@ -27,15 +28,6 @@ const std::int32_t kFrameColour = ColorConverter::RGBToLong(150, 150, 156);
 const std::int32_t kScaleTextColour = ColorConverter::RGBToLong(80, 80, 88);
 
 enum TickPool : std::size_t { kMainTicks = 0, kSecondaryTicks = 1, kPointTicks = 2 };
-
-void SetTextColour(QWidget* pLabel, std::int32_t pColour) {
-    const QColor colour = platform::ToQColor(pColour);
-    QPalette palette = pLabel->palette();
-    if (palette.color(QPalette::WindowText) != colour) {
-        palette.setColor(QPalette::WindowText, colour);
-        pLabel->setPalette(palette);
-    }
-}
 
 // Shows pText in pLabel at its place; an empty place hides the label.
 void Place(QLabel* pLabel, const rtchart::PlacedText& pText) {
@@ -60,6 +52,35 @@ rtchart::ValueAxisInfo AxisInfo(const std::shared_ptr<Axis>& pAxis) {
     return info;
 }
 
+// The grid is a quiet light grey on a light background; on a dark one (a dark palette) that
+// grey would glare, so the grid is the background lightened a little instead.
+std::int32_t GridColourOn(std::int32_t pBackground) {
+    const QColor back = platform::ToQColor(pBackground);
+    if (platform::ContrastRatio(back, Qt::black) >= platform::ContrastRatio(back, Qt::white)) {
+        return kGridColour;
+    }
+    constexpr double kLift = 0.18;
+    const auto lift = [](int pChannel) {
+        return static_cast<int>(std::lround(pChannel + (255 - pChannel) * kLift));
+    };
+    return ColorConverter::RGBToLong(lift(back.red()), lift(back.green()), lift(back.blue()));
+}
+
+// What a screen reader says about the chart beside its name: "Run progress, 3 series,
+// 250 generations", counting what the exported rows count.
+QString DataSummary(std::int32_t pSeriesCount, Series* pFirst, std::int32_t pLastGeneration) {
+    const std::int32_t count = pFirst != nullptr ? pFirst->Count() : 0;
+    QString extent;
+    if (pFirst != nullptr && pFirst->HasIndexes()) {
+        extent = QStringLiteral("%1 records").arg(count);
+    } else if (pLastGeneration != 0) {
+        extent = QStringLiteral("%1 generations").arg(pLastGeneration);
+    } else {
+        extent = QStringLiteral("%1 points").arg(count);
+    }
+    return QStringLiteral("Run progress, %1 series, %2").arg(pSeriesCount).arg(extent);
+}
+
 } // namespace
 
 std::int32_t RTChart::DrawnSeriesCount() const {
@@ -78,6 +99,10 @@ void RTChart::ApplyLayout() {
     input.showXAxis = m_showXAxis;
     const std::int32_t count = m_series[0] ? m_series[0]->Count() : 0;
     input.xLast = count > 1 ? count - 1 : 1;
+    // Numbered by generation as the exported rows are: the newest point is the last generation.
+    if (m_lastGeneration != 0 && m_series[0] && !m_series[0]->HasIndexes()) {
+        input.xFirst = static_cast<double>(m_lastGeneration) - m_series[0]->LastPoint();
+    }
     std::vector<QLabel*> legend;
     for (QLabel* label : lblLegend) {
         if (label->isVisibleTo(this)) {
@@ -93,13 +118,15 @@ void RTChart::ApplyLayout() {
     pic->setGeometry(layout.plot);
     fraPlot->setGeometry(layout.plot.adjusted(-1, -1, 1, 1));
     fraPlot->setVisible(!layout.plot.isEmpty());
-    SetTextColour(fraPlot, kFrameColour);
+    platform::ColourLabel(*fraPlot, kFrameColour, m_backColor);
     m_gridY = layout.gridY;
     m_gridX = layout.gridX;
 
     for (std::size_t a = 0; a < 2; ++a) {
-        SetTextColour(lblScale[a], kScaleTextColour);
-        SetTextColour(lblOrigin[a], kScaleTextColour);
+        platform::ColourLabel(*lblScale[a], kScaleTextColour, m_backColor);
+        platform::ColourLabel(*lblOrigin[a], kScaleTextColour, m_backColor);
+        // Axis names in plain text colour, readable on the chart's own background.
+        platform::ColourLabel(*lblAxisTitle[a], 0, m_backColor);
         Place(lblScale[a], layout.scale[a]);
         Place(lblOrigin[a], layout.origin[a]);
         Place(lblAxisTitle[a], layout.title[a]);
@@ -114,8 +141,7 @@ void RTChart::ApplyLayout() {
         while (pool.size() < ticks[p]->size()) {
             auto* label = new QLabel(this);
             label->setObjectName(QStringLiteral("lblTick"));
-            ApplyBackColor(label);
-            SetTextColour(label, kScaleTextColour);
+            platform::ColourLabel(*label, kScaleTextColour, m_backColor);
             label->setAlignment(p == kSecondaryTicks ? Qt::AlignLeft | Qt::AlignVCenter
                                                      : Qt::AlignRight | Qt::AlignVCenter);
             if (p == kPointTicks) {
@@ -124,6 +150,7 @@ void RTChart::ApplyLayout() {
             pool.push_back(label);
         }
         for (std::size_t i = 0; i < pool.size(); ++i) {
+            platform::ColourLabel(*pool[i], kScaleTextColour, m_backColor);
             Place(pool[i], i < ticks[p]->size() ? (*ticks[p])[i] : rtchart::PlacedText{});
         }
     }
@@ -134,13 +161,15 @@ void RTChart::ApplyLayout() {
         auto* swatch = new QFrame(this);
         swatch->setObjectName(QStringLiteral("shpLegend"));
         swatch->setAutoFillBackground(true);
+        swatch->setBackgroundRole(QPalette::Window);
         m_legendSwatches.push_back(swatch);
     }
     const auto placeEntry = [this](QLabel* pLabel, QFrame* pSwatch, const QRect& pRect,
                                    std::int32_t pColour, int pThickness) {
         const bool fits = !pRect.isEmpty() && pLabel->isVisibleTo(this);
         pLabel->setGeometry(fits ? pRect.adjusted(rtchart::kLegendSwatchWidth, 0, 0, 0) : QRect());
-        SetTextColour(pLabel, pColour);
+        // The entry's text in its series' colour where that reads, the swatch in it always.
+        platform::ColourLabel(*pLabel, pColour, m_backColor);
         pSwatch->setGeometry(pRect.left(), pRect.center().y() - pThickness / 2,
                              rtchart::kLegendSwatchWidth - 5, pThickness);
         QPalette palette = pSwatch->palette();
@@ -163,7 +192,7 @@ void RTChart::ApplyLayout() {
 
 void RTChart::DrawGrid() {
     pic->SetDrawStyle(DrawingSurface::DrawStyle::Solid);
-    pic->SetForeColor(kGridColour);
+    pic->SetForeColor(GridColourOn(m_backColor));
     const double left = pic->ScaleLeft();
     const double right = left + pic->ScaleWidth();
     const double top = pic->ScaleTop();
@@ -177,6 +206,8 @@ void RTChart::DrawGrid() {
 }
 
 void RTChart::DrawChart() {
+    setAccessibleDescription(DataSummary(
+        m_seriesCount, m_seriesCount > 0 ? m_series[0].get() : nullptr, m_lastGeneration));
     ApplyLayout();
     pic->SetBackColor(m_backColor);
     pic->Cls();

@@ -3,12 +3,14 @@
 #include "platform/chartmenu.h"
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
+#include "platform/focusmark.h"
 #include "selfdrawn/barchart_support.h"
 
 #include <trv5charts/charterror.h>
 #include <trv5charts/localizationlib.h>
 
 #include <QContextMenuEvent>
+#include <QEvent>
 #include <QMouseEvent>
 #include <QResizeEvent>
 
@@ -96,6 +98,9 @@ BarChart::BarChart(QWidget* pParent)
     m_menu->AddItem(QStringLiteral("-"), item);
     m_menu->AddItem(QStringLiteral("Print"), item);
     connect(m_menu, &platform::ChartMenu::Triggered, this, &BarChart::OnMenu);
+    connect(m_menu, &platform::ChartMenu::PrintFailed, this, &BarChart::PrintFailed);
+    new platform::FocusMark(this);
+    setAccessibleName(QStringLiteral("Bar chart"));
 
     PlacePicture();
 }
@@ -276,6 +281,15 @@ void BarChart::LayOut() {
     }
 }
 
+void BarChart::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    platform::FollowPaletteChange(*pEvent, platform::FollowsPalette(StoredBackColor()),
+                                  m_recolouring, [this] {
+                                      SetBackColor(StoredBackColor());
+                                      Redraw();
+                                  });
+}
+
 void BarChart::resizeEvent(QResizeEvent* pEvent) {
     QWidget::resizeEvent(pEvent);
     m_surface->setGeometry(rect());
@@ -321,6 +335,10 @@ void BarChart::CopyChart() {
 
 void BarChart::PrintChart() {
     m_menu->PrintOwnerPicture();
+}
+
+void BarChart::PrintPreview() {
+    m_menu->PreviewOwnerPicture();
 }
 
 void BarChart::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {

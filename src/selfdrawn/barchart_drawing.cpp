@@ -47,6 +47,15 @@ double BarChart::BarValue(std::int64_t pIndex) const {
 }
 
 void BarChart::Redraw() {
+    // What a screen reader says about the chart beside its name.
+    const QString maximum = LocalizationLib::DoubleToUserText(m_maxValue);
+    if (m_chartType == ctMultiVerticalBars) {
+        setAccessibleDescription(
+            QStringLiteral("Bar chart, %1 bars, maximum %2").arg(m_columns).arg(maximum));
+    } else {
+        const std::int32_t value = m_longData.empty() ? 0 : m_longData.front();
+        setAccessibleDescription(QStringLiteral("Gauge, %1 of %2").arg(value).arg(maximum));
+    }
     try {
         Draw();
     } catch (...) {

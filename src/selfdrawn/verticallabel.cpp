@@ -3,6 +3,9 @@
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
 
+#include <trv5charts/colorconverter.h>
+
+#include <QEvent>
 #include <QFont>
 #include <QFontMetrics>
 #include <QPalette>
@@ -44,6 +47,7 @@ VerticalLabel::VerticalLabel(QWidget* pParent)
     pictureFont.setPixelSize(kCaptionPixelHeight);
     pic->setFont(pictureFont);
     pic->setGeometry(rect());
+    setAccessibleDescription(QStringLiteral("Vertical caption"));
     SetBackColor(m_backColor);
 }
 
@@ -54,6 +58,7 @@ void VerticalLabel::SetBackColor(std::int32_t pColour) {
     QPalette palette = this->palette();
     palette.setColor(QPalette::Window, platform::ToQColor(pColour));
     setPalette(palette);
+    setBackgroundRole(QPalette::Window);
     setAutoFillBackground(true);
     pic->SetBackColor(pColour);
     // A new background colour clears the picture, as it always has on a picture box.
@@ -73,6 +78,8 @@ void VerticalLabel::SetBackQColor(const QColor& pColour) {
 
 void VerticalLabel::SetText(const QString& pText) {
     m_text = pText;
+    // A caption is read out as what it says.
+    setAccessibleName(pText);
     RedrawText();
 }
 
@@ -83,6 +90,13 @@ QSize VerticalLabel::sizeHint() const {
 
 int VerticalLabel::TextLength(const QString& pText) const {
     return QFontMetrics(CaptionFont(font().family()), this).horizontalAdvance(pText);
+}
+
+void VerticalLabel::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    // A background that follows the palette takes a new palette's colour.
+    platform::FollowPaletteChange(*pEvent, platform::FollowsPalette(m_backColor), m_recolouring,
+                                  [this] { SetBackColor(m_backColor); });
 }
 
 void VerticalLabel::resizeEvent(QResizeEvent* pEvent) {
@@ -97,6 +111,10 @@ void VerticalLabel::RedrawText() {
         pic->setGeometry(rect());
     }
     pic->Cls();
+    // Plain text colour where it reads on the background; on a background that follows the
+    // palette, the palette's text colour when black does not read there.
+    const QColor text = platform::ReadableText(0, m_backColor);
+    pic->SetForeColor(ColorConverter::RGBToLong(text.red(), text.green(), text.blue()));
     const double height = pic->ScaleHeight();
     const double width = pic->TextWidth(m_text);
     // The rotated text runs upward from its start, so starting half its length below the middle

@@ -58,7 +58,7 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
 
     m_usageCaption = new VerticalLabel(pParent);
     m_usageCaption->setObjectName(QStringLiteral("usageCaption"));
-    m_usageCaption->SetBackColor(style::kWhite);
+    m_usageCaption->SetBackColor(style::kChartBackground);
     m_usageCaption->SetText(QStringLiteral("Share of weights (%)"));
     m_usageCaption->setFixedWidth(m_usageCaption->sizeHint().width());
 
@@ -87,7 +87,7 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
 RTChart* ChartBoard::MakeProgress(QWidget* pParent) const {
     auto* chart = new RTChart(pParent);
     Prepare(*chart, QString::fromLatin1(chartname::kProgress));
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetShowXAxis(true);
     // The pointer over a line names the series, the generation and its value.
     chart->SetShowRecordsOnToolTip(true);
@@ -97,7 +97,7 @@ RTChart* ChartBoard::MakeProgress(QWidget* pParent) const {
 ROCChart* ChartBoard::MakeRoc(QWidget* pParent) const {
     auto* chart = new ROCChart(pParent);
     Prepare(*chart, QString::fromLatin1(chartname::kRoc));
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetROCColor(style::kRocCurve);
     chart->SetDiagonalColor(style::kDiagonal);
     chart->SetInverted(true);
@@ -108,7 +108,7 @@ ROCChart* ChartBoard::MakeRoc(QWidget* pParent) const {
 BarChart* ChartBoard::MakeUsage(QWidget* pParent) const {
     auto* chart = new BarChart(pParent);
     Prepare(*chart, QString::fromLatin1(chartname::kUsage));
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetBarColor(style::kUsageBars);
     chart->SetRoundedCorner(6);
     chart->SetDataPointName(QStringLiteral("Share of weights (%): "));
@@ -123,7 +123,7 @@ BarChart* ChartBoard::MakeGauge(QWidget* pParent, const QString& pName,
                                 std::int32_t pColour) const {
     auto* chart = new BarChart(pParent);
     Prepare(*chart, pName);
-    chart->SetBackColor(style::kWhite);
+    chart->SetBackColor(style::kChartBackground);
     chart->SetBarColor(pColour);
     chart->SetRoundedCorner(4);
     chart->SetDataPointName(QStringLiteral("Accuracy (%): "));

@@ -10,11 +10,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
-#include <QPainter>
-#include <QPrintPreviewDialog>
-#include <QPrinter>
-
-#include <algorithm>
 
 namespace trv5::gallery::chartcommands {
 
@@ -38,23 +33,6 @@ void Trigger(const ChartEntry& pChart, int pIndex) {
     if (QAction* action = MenuItem(pChart, pIndex)) {
         action->trigger();
     }
-}
-
-// The control's picture on the page at its on-screen size, shrunk to the page if larger, as the
-// charts' own print command places it.
-void PaintPicture(QWidget* pControl, QPrinter* pPrinter) {
-    const QImage picture = CaptureControl(pControl);
-    if (picture.isNull()) {
-        return;
-    }
-    QPainter painter(pPrinter);
-    const QRectF page = pPrinter->pageLayout().paintRectPixels(pPrinter->resolution());
-    const double screenToPrinter = pPrinter->resolution() / 96.0;
-    QSizeF size = QSizeF(pControl->size()) * screenToPrinter;
-    const double shrink =
-        std::min({1.0, page.width() / size.width(), page.height() / size.height()});
-    size *= shrink;
-    painter.drawImage(QRectF(QPointF(0, 0), size), picture);
 }
 
 } // namespace
@@ -88,12 +66,8 @@ void PrintPreview(const ChartEntry& pChart, QWidget* pParent) {
         pChart.hosted->PrintPreview();
         return;
     }
-    QPrintPreviewDialog dialog(pParent);
-    dialog.setWindowTitle(QStringLiteral("Print Preview - %1").arg(pChart.title));
-    QWidget* control = pChart.widget;
-    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                     [control](QPrinter* pPrinter) { PaintPicture(control, pPrinter); });
-    dialog.exec();
+    // The self-drawn charts' preview road: the page exactly as their print command prints it.
+    PreviewControlPicture(pChart.widget, pParent);
 }
 
 QString DataText(const ChartEntry& pChart) {

@@ -33,10 +33,12 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPalette>
 #include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -57,19 +59,28 @@ constexpr double kScreenShare = 0.9;
 // The side panel's width; it scrolls when the window is lower than its boxes.
 constexpr int kPanelWidth = 300;
 
-// A white card with a title above its chart, so that the pages read as a dashboard.
+// A card's background: the palette's colour for text fields (white in a light palette), which
+// the charts on it take as well.
+void ColourCard(QWidget& pCard) {
+    QPalette palette = pCard.palette();
+    palette.setColor(QPalette::Window, QApplication::palette().color(QPalette::Base));
+    palette.setColor(QPalette::WindowText, QApplication::palette().color(QPalette::Text));
+    pCard.setPalette(palette);
+}
+
+// A card with a title above its chart, so that the pages read as a dashboard; its texts read
+// in the light and the dark mode alike.
 QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullptr) {
     auto* card = new QFrame;
     card->setObjectName(QStringLiteral("card"));
     card->setFrameShape(QFrame::StyledPanel);
     card->setAutoFillBackground(true);
-    QPalette palette = card->palette();
-    palette.setColor(QPalette::Window, Qt::white);
-    card->setPalette(palette);
+    ColourCard(*card);
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(10, 8, 10, 10);
     layout->setSpacing(6);
     auto* title = new QLabel(pTitle);
+    title->setObjectName(QStringLiteral("lblCardTitle"));
     QFont font = title->font();
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * 1.1);
@@ -80,6 +91,56 @@ QFrame* Card(const QString& pTitle, QWidget* pContent, QLabel* pFootnote = nullp
         layout->addWidget(pFootnote);
     }
     return card;
+}
+
+// A dark palette for the dark mode, with the contrast of the light one.
+QPalette DarkPalette() {
+    QPalette palette;
+    const QColor window(45, 45, 48);
+    const QColor base(30, 30, 32);
+    const QColor text(232, 232, 232);
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, window);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::ToolTipBase, base);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, QColor(160, 160, 160));
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::Highlight, QColor(90, 150, 230));
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    palette.setColor(QPalette::Link, QColor(120, 170, 240));
+    palette.setColor(QPalette::Light, QColor(80, 80, 84));
+    palette.setColor(QPalette::Midlight, QColor(65, 65, 68));
+    palette.setColor(QPalette::Mid, QColor(100, 100, 104));
+    palette.setColor(QPalette::Dark, QColor(20, 20, 22));
+    palette.setColor(QPalette::Shadow, Qt::black);
+    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(150, 150, 150));
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(150, 150, 150));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(150, 150, 150));
+    return palette;
+}
+
+// The focusable widgets under pLayout in the order its items stand: top to bottom and left to
+// right, as the layouts place them.
+void CollectInLayoutOrder(QLayout* pLayout, QList<QWidget*>& pOut) {
+    if (pLayout == nullptr) {
+        return;
+    }
+    for (int i = 0; i < pLayout->count(); ++i) {
+        QLayoutItem* item = pLayout->itemAt(i);
+        if (QWidget* widget = item->widget()) {
+            if ((widget->focusPolicy() & Qt::TabFocus) != 0) {
+                pOut << widget;
+            }
+            CollectInLayoutOrder(widget->layout(), pOut);
+        } else {
+            CollectInLayoutOrder(item->layout(), pOut);
+        }
+    }
 }
 
 } // namespace
@@ -105,7 +166,9 @@ GalleryWindow::GalleryWindow(QWidget* pParent)
         if (pName == m_currentChart) {
             SetCurrentChart(pName);
         }
+        PrepareChartsForPeople();
     });
+    PrepareChartsForPeople();
     qApp->installEventFilter(this);
 
     SetCurrentChart(QString::fromLatin1(chartname::kProgress));
@@ -241,6 +304,12 @@ void GalleryWindow::BuildMenus() {
         }
     });
 
+    QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+    QAction* dark = view->addAction(QStringLiteral("&Dark Mode"));
+    dark->setObjectName(QStringLiteral("actDarkMode"));
+    dark->setCheckable(true);
+    connect(dark, &QAction::toggled, this, &GalleryWindow::SetDarkMode);
+
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     help->addAction(QStringLiteral("&About"), this, [this] {
         QMessageBox::about(
@@ -250,6 +319,55 @@ void GalleryWindow::BuildMenus() {
                            "strategy. Right-click a chart (or press the menu key) for its "
                            "commands.</p><p>Licensed under the GPL, version 3 or later.</p>"));
     });
+}
+
+void GalleryWindow::SetDarkMode(bool pDark) {
+    // The self-drawn charts take their backgrounds from the palette and choose their text
+    // colours against them; the cards follow it too.
+    QApplication::setPalette(pDark ? DarkPalette() : QApplication::style()->standardPalette());
+    for (QFrame* card : findChildren<QFrame*>(QStringLiteral("card"))) {
+        ColourCard(*card);
+    }
+}
+
+void GalleryWindow::PrepareChartsForPeople() {
+    for (const ChartEntry& entry : m_board->Entries()) {
+        // The window's name for a chart is what a screen reader says; the chart describes its
+        // data itself.
+        entry.widget->setAccessibleName(entry.title);
+        // A print failure of a self-drawn chart's own menu is told here; the Chart menu's
+        // commands report theirs through ShowError as well.
+        if (auto* progress = qobject_cast<RTChart*>(entry.widget)) {
+            connect(progress, &RTChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
+        } else if (auto* bars = qobject_cast<BarChart*>(entry.widget)) {
+            connect(bars, &BarChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
+        } else if (auto* roc = qobject_cast<ROCChart*>(entry.widget)) {
+            connect(roc, &ROCChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
+        }
+    }
+    // Tab goes through the side panel top to bottom, then the page tabs, then each page's
+    // charts in reading order, whatever order the widgets were made in.
+    QList<QWidget*> order;
+    CollectInLayoutOrder(m_panel->layout(), order);
+    order << m_pages->tabBar();
+    for (const Page& page : m_pageCharts) {
+        for (const QString& name : page.charts) {
+            if (const auto entry = m_board->Entry(name)) {
+                order << entry->widget;
+            }
+        }
+    }
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        QWidget::setTabOrder(order[i - 1], order[i]);
+    }
+}
+
+void GalleryWindow::OnPrintFailed(const QString& pMessage) {
+    const auto entry = m_board->EntryContaining(qobject_cast<QWidget*>(sender()));
+    ShowError(entry ? entry->title : QStringLiteral("Print"), pMessage);
 }
 
 void GalleryWindow::RunCurrentChartCommand(void (*pCommand)(const ChartEntry&)) {

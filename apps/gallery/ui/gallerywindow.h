@@ -56,6 +56,8 @@ public:
     // The size the window opens at on a screen whose available area is pAvailable: roomy on a
     // large screen, within the area on a small one, never below the window's minimum.
     static QSize DefaultSize(const QSize& pAvailable, const QSize& pMinimum);
+    // The dark mode: a dark application palette, which the self-drawn charts follow.
+    void SetDarkMode(bool pDark);
 
     // Where errors go instead of a message box (the headless modes print them); null returns
     // to message boxes.
@@ -88,6 +90,9 @@ private:
     void ShowTopVariables();
     void ShowError(const QString& pTitle, const QString& pMessage);
     void RunCurrentChartCommand(void (*pCommand)(const ChartEntry&));
+    // Accessible names, print failure reports and the tab order, again for replaced charts.
+    void PrepareChartsForPeople();
+    void OnPrintFailed(const QString& pMessage);
 
     ChartBoard* m_board;
     RunSession* m_session;
