@@ -6,6 +6,7 @@
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
 #include "platform/xmldocument.h"
+#include "rtchart/plotframe.h"
 
 #include <trv5charts/axisrange.h>
 #include <trv5charts/charterror.h>
@@ -41,7 +42,8 @@ void AppendUserNumber(std::string& pOut, double pValue, char pDecimalPoint) {
 } // namespace
 
 RTChart::RTChart(QWidget* pParent)
-    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)) {
+    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)),
+      m_painted(std::make_unique<rtchart::PaintMemory>()) {
     // The frame goes first so that the plot lies above it.
     fraPlot = new QFrame(this);
     fraPlot->setObjectName(QStringLiteral("fraPlot"));

@@ -54,15 +54,69 @@ PolylinePoints PointsOf(Series& pSeries) {
     return points;
 }
 
-void DrawMarkers(DrawingSurface& pSurface, Series& pSeries) {
+// Indexes first to last inclusive; empty when last < first.
+struct IndexRange {
+    std::int64_t first = 0;
+    std::int64_t last = -1;
+};
+
+// The indexes of 0 to pLast whose shapes can reach the window: every point within pReach columns
+// of it, and one more on each side, whose segment runs into that neighbourhood. A segment between
+// two points left (or right) of the neighbourhood cannot reach it, because the points run left to
+// right. Without a usable mapping the whole range is returned.
+IndexRange IndexesNear(const DrawingSurface::DeviceMapping& pMapping, std::int64_t pLast,
+                       const ColumnWindow& pWindow, int pReach) {
+    const IndexRange all{0, pLast};
+    if (pLast < 0 || !(pMapping.xFactor > 0.0) || !std::isfinite(pMapping.xFactor) ||
+        !std::isfinite(pMapping.left)) {
+        return all;
+    }
+    const auto column = [&](std::int64_t pIndex) {
+        return std::floor(pMapping.X(static_cast<double>(pIndex)));
+    };
+    const double low = static_cast<double>(pWindow.first) - pReach;
+    const double high = static_cast<double>(pWindow.last) + pReach;
+    const double lastIndex = static_cast<double>(pLast);
+    const double from = std::floor(low / pMapping.xFactor + pMapping.left) - 1.0;
+    const double to = std::ceil((high + 1.0) / pMapping.xFactor + pMapping.left) + 1.0;
+    if (!std::isfinite(from) || !std::isfinite(to)) {
+        return all;
+    }
+    // The estimates are off by a rounding at most; the exact placement decides.
+    auto first = static_cast<std::int64_t>(std::clamp(from, 0.0, lastIndex));
+    while (first > 0 && column(first) >= low) {
+        --first;
+    }
+    auto last = static_cast<std::int64_t>(std::clamp(to, 0.0, lastIndex));
+    while (last < pLast && column(last) <= high) {
+        ++last;
+    }
+    return {first, last};
+}
+
+IndexRange WindowRange(const DrawingSurface& pSurface, std::int64_t pLast,
+                       const std::optional<ColumnWindow>& pWindow) {
+    if (!pWindow) {
+        return {0, pLast};
+    }
+    const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping();
+    if (!mapping) {
+        return {0, pLast};
+    }
+    return IndexesNear(*mapping, pLast, *pWindow, ShapeReach(pSurface));
+}
+
+void DrawMarkers(DrawingSurface& pSurface, Series& pSeries,
+                 const std::optional<ColumnWindow>& pWindow) {
     const double w = pSurface.ScaleX(kMarkerPixels, DrawingSurface::ScaleMode::Pixel,
                                      DrawingSurface::ScaleMode::User);
     const double h = pSurface.ScaleY(kMarkerPixels, DrawingSurface::ScaleMode::Pixel,
                                      DrawingSurface::ScaleMode::User);
     pSurface.SetFillStyle(DrawingSurface::FillStyle::Solid);
     pSurface.SetFillColor(pSeries.Colour());
-    const std::int32_t count = pSeries.Count();
-    for (std::int32_t k = 0; k < count; ++k) {
+    const IndexRange range =
+        WindowRange(pSurface, static_cast<std::int64_t>(pSeries.Count()) - 1, pWindow);
+    for (auto k = static_cast<std::int32_t>(range.first); k <= range.last; ++k) {
         const double v = pSeries.GetValue(k);
         const double x = k;
         if (pSeries.Point() == ptSquare) {
@@ -225,21 +279,25 @@ std::int64_t LastInColumn(const DrawingSurface::DeviceMapping& pMapping, double 
     return last;
 }
 
-void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints) {
+// Points pRange.first to pRange.last. Starting anywhere but at 0 draws the shapes of every column
+// after the first one's exactly as the full walk does: a column's shapes depend only on its own
+// points and the last point before it.
+void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, IndexRange pRange) {
     const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping();
-    if (!mapping || pPoints.last < 0) {
+    if (!mapping || pRange.last < pRange.first) {
         return;
     }
     ColumnWalker walker(pSurface);
-    const Cell first = CellOf(*mapping, 0.0, pPoints.At(0));
+    const Cell first =
+        CellOf(*mapping, static_cast<double>(pRange.first), pPoints.At(pRange.first));
     walker.Start(first.x, first.y, first.valid);
 
     // Columns are found by index when the points run left to right; otherwise, and for any
     // column holding a point that cannot be mapped, each point is stepped through on its own.
     const bool byColumn = mapping->xFactor > 0.0 && std::isfinite(mapping->xFactor) &&
-                          std::isfinite(mapping->X(static_cast<double>(pPoints.last)));
-    std::int64_t k = 0;
-    while (k <= pPoints.last) {
+                          std::isfinite(mapping->X(static_cast<double>(pRange.last)));
+    std::int64_t k = pRange.first;
+    while (k <= pRange.last) {
         const double x = mapping->X(static_cast<double>(k));
         if (!byColumn || !std::isfinite(x)) {
             const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
@@ -248,7 +306,7 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints) {
             continue;
         }
         const double column = std::floor(x);
-        const std::int64_t end = LastInColumn(*mapping, column, k, pPoints.last);
+        const std::int64_t end = LastInColumn(*mapping, column, k, pRange.last);
         double low = pPoints.At(k);
         double high = low;
         bool nan = false;
@@ -280,7 +338,8 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints) {
     }
 }
 
-void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
+void DrawPolyline(DrawingSurface& pSurface, Series& pSeries,
+                  const std::optional<ColumnWindow>& pWindow) {
     const bool dots = pSeries.Point() == ptDot;
     double dotRadius = 0.0;
     if (dots) {
@@ -299,9 +358,10 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
     }
     // Dots and lines share one colour, so drawing all lines first gives the same pixels as
     // interleaving them.
-    DrawPixelColumns(pSurface, points);
+    const IndexRange range = WindowRange(pSurface, points.last, pWindow);
+    DrawPixelColumns(pSurface, points, range);
     if (dots) {
-        for (std::int64_t k = 0; k <= points.last; ++k) {
+        for (std::int64_t k = range.first; k <= range.last; ++k) {
             pSurface.Circle(static_cast<double>(k), points.At(k), dotRadius);
         }
     }
@@ -317,7 +377,14 @@ void SetPolylineMode(PolylineMode pMode) {
     g_polylineMode = pMode;
 }
 
-void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis) {
+int ShapeReach(const DrawingSurface& pSurface) {
+    // Half a marker, the pen and a rounding on each side.
+    return static_cast<int>(std::ceil((kMarkerPixels / 2.0 + 2.0) * pSurface.DevicePixelRatio())) +
+           1;
+}
+
+void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis,
+                const std::optional<ColumnWindow>& pWindow) {
     if (pAxis == nullptr) {
         return;
     }
@@ -326,9 +393,9 @@ void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis) {
         pSurface.SetScaleHeight(pAxis->Minimum() - pAxis->Maximum());
         pSurface.SetForeColor(pSeries.Colour());
         if (pSeries.DataType() == NonContinuous) {
-            DrawMarkers(pSurface, pSeries);
+            DrawMarkers(pSurface, pSeries, pWindow);
         } else {
-            DrawPolyline(pSurface, pSeries);
+            DrawPolyline(pSurface, pSeries, pWindow);
         }
     } catch (...) {
         // A series that cannot be drawn leaves what it drew and gives way to the next one.

@@ -2,6 +2,8 @@
 
 #include "platform/drawingsurface.h"
 
+#include <optional>
+
 namespace trv5 {
 
 class Axis;
@@ -24,11 +26,26 @@ enum class PolylineMode {
 PolylineMode CurrentPolylineMode();
 void SetPolylineMode(PolylineMode pMode);
 
+// A band of device columns, first to last inclusive.
+struct ColumnWindow {
+    int first = 0;
+    int last = 0;
+};
+
+// How many device columns a series' shapes (markers, dots, pen width) reach beside the column of
+// their point, at the surface's device pixel ratio.
+int ShapeReach(const platform::DrawingSurface& pSurface);
+
 // Draws one series onto pSurface, whose horizontal scale the caller has set (point indexes),
 // against pAxis; a null axis draws nothing. Leaves the vertical scale on pAxis, the fore colour
 // on the series' colour and solid fill. Any failure ends this series' drawing quietly, keeping
 // what was drawn before it.
-void DrawSeries(platform::DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis);
+//
+// With a window, only the shapes that can reach its columns are drawn, each of them whole and
+// exactly as the full drawing draws it, so that the window's pixels come out the same. Windows
+// are for the pixel-column rendering; the every-segment rendering ignores them.
+void DrawSeries(platform::DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis,
+                const std::optional<ColumnWindow>& pWindow = std::nullopt);
 
 } // namespace rtchart
 } // namespace trv5
