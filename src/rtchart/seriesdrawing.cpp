@@ -9,6 +9,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace trv5::rtchart {
 
 namespace {
@@ -279,6 +283,58 @@ std::int64_t LastInColumn(const DrawingSurface::DeviceMapping& pMapping, double 
     return last;
 }
 
+struct Extremes {
+    double low;
+    double high;
+    bool nan; // some value is NaN; low and high then mean nothing
+};
+
+// The smallest and largest of pValues (not empty). This is where a bulk redraw spends its time,
+// so the scan keeps several independent minimum and maximum chains (two values wide where the
+// processor has SSE2) instead of one chain whose every step waits for the previous. Which of two
+// equal values is kept (0 and -0) does not matter: they map to the same row.
+Extremes ExtremesOf(std::span<const double> pValues) {
+    const double* values = pValues.data();
+    const std::size_t count = pValues.size();
+    double low = values[0];
+    double high = values[0];
+    bool nan = false;
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    if (count >= 8) {
+        __m128d low0 = _mm_set1_pd(low);
+        __m128d low1 = low0;
+        __m128d high0 = low0;
+        __m128d high1 = low0;
+        __m128d unordered = _mm_setzero_pd();
+        for (; i + 4 <= count; i += 4) {
+            const __m128d a = _mm_loadu_pd(values + i);
+            const __m128d b = _mm_loadu_pd(values + i + 2);
+            low0 = _mm_min_pd(low0, a);
+            low1 = _mm_min_pd(low1, b);
+            high0 = _mm_max_pd(high0, a);
+            high1 = _mm_max_pd(high1, b);
+            unordered =
+                _mm_or_pd(unordered, _mm_or_pd(_mm_cmpunord_pd(a, a), _mm_cmpunord_pd(b, b)));
+        }
+        alignas(16) double lows[2];
+        alignas(16) double highs[2];
+        _mm_store_pd(lows, _mm_min_pd(low0, low1));
+        _mm_store_pd(highs, _mm_max_pd(high0, high1));
+        low = std::min(lows[0], lows[1]);
+        high = std::max(highs[0], highs[1]);
+        nan = _mm_movemask_pd(unordered) != 0;
+    }
+#endif
+    for (; i < count; ++i) {
+        const double v = values[i];
+        low = v < low ? v : low;
+        high = v > high ? v : high;
+        nan |= v != v;
+    }
+    return {low, high, nan};
+}
+
 // Points pRange.first to pRange.last. Starting anywhere but at 0 draws the shapes of every column
 // after the first one's exactly as the full walk does: a column's shapes depend only on its own
 // points and the last point before it.
@@ -307,17 +363,14 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, I
         }
         const double column = std::floor(x);
         const std::int64_t end = LastInColumn(*mapping, column, k, pRange.last);
-        double low = pPoints.At(k);
-        double high = low;
-        bool nan = false;
+        Extremes extremes{pPoints.At(k), pPoints.At(k), false};
         if (pPoints.ready) {
-            for (std::int64_t i = k; i <= end; ++i) {
-                const double v = pPoints.values[static_cast<std::size_t>(i)];
-                low = v < low ? v : low;
-                high = v > high ? v : high;
-                nan |= v != v;
-            }
+            extremes = ExtremesOf(pPoints.values.subspan(static_cast<std::size_t>(k),
+                                                         static_cast<std::size_t>(end - k + 1)));
         }
+        const double low = extremes.low;
+        const double high = extremes.high;
+        const bool nan = extremes.nan;
         const double lowY = mapping->Y(low);
         const double highY = mapping->Y(high);
         if (nan || std::isnan(low) || !std::isfinite(lowY) || !std::isfinite(highY)) {
