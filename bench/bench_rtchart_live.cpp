@@ -272,6 +272,37 @@ BENCHMARK(BM_LiveFeedSampled)
     ->Iterations(1)
     ->Unit(benchmark::kSecond);
 
+// Arguments: series, capacity. Both widgets full, then drawn whole again and again, taking turns:
+// the chart because its axis range moves by a hair each time (an unchanged chart is not drawn
+// again), the plot because it replots.
+void BM_FullRedraw(benchmark::State& pState) {
+    const int series = static_cast<int>(pState.range(0));
+    const auto capacity = static_cast<std::int32_t>(pState.range(1));
+    LiveChart chart(series, capacity);
+    LivePlot plot(series, capacity);
+    Feed feed(series);
+    FillTo(chart, plot, feed, series, capacity);
+    const std::shared_ptr<trv5::Axis> axis = chart.chart.MainYAxis();
+    Sample sample;
+    bool nudged = false;
+    for (auto _ : pState) {
+        nudged = !nudged;
+        double start = ThreadMilliseconds();
+        axis->Init(0, nudged ? 1 + 1e-9 : 1, false);
+        chart.Frame();
+        sample.chart.push_back(ThreadMilliseconds() - start);
+        start = ThreadMilliseconds();
+        plot.Frame();
+        sample.plot.push_back(ThreadMilliseconds() - start);
+    }
+    sample.Report(pState);
+}
+BENCHMARK(BM_FullRedraw)
+    ->ArgNames({"series", "capacity"})
+    ->Args({21, 100'000})
+    ->Iterations(30)
+    ->Unit(benchmark::kMillisecond);
+
 // One widget fed at 60 generations a second of wall time for pFrames frames; returns the
 // processor and wall time of each frame.
 template <class Widget>

@@ -109,6 +109,8 @@ public:
     void SetDrawStyle(DrawStyle pStyle);
     // Line width in widget pixels; values below 1 count as 1.
     int DrawWidth() const { return m_drawWidth; }
+    // The line width in device pixels, as lines are drawn.
+    int DevicePenWidth() const { return PenWidthInDevicePixels(); }
     void SetDrawWidth(int pWidth);
 
     // ---- drawing ----

@@ -179,7 +179,10 @@ private:
 // sides, as it removes both its segments from the plain rendering.
 class ColumnWalker {
 public:
-    explicit ColumnWalker(DrawingSurface& pSurface) : m_batch(pSurface) {}
+    // pCellExact: the pen is one device pixel wide, so a line between two cells covers only cells
+    // on the way between them (see Close).
+    ColumnWalker(DrawingSurface& pSurface, bool pCellExact)
+        : m_batch(pSurface), m_cellExact(pCellExact) {}
     ~ColumnWalker() { Close(); }
     ColumnWalker(const ColumnWalker&) = delete;
     ColumnWalker& operator=(const ColumnWalker&) = delete;
@@ -194,7 +197,13 @@ public:
                 Extend(pCellX, pCellY, pCellY);
             } else {
                 Close();
-                m_batch.Add(m_previousX, m_previousY, pCellX, pCellY);
+                const DrawingSurface::CellLine line{m_previousX, m_previousY, pCellX, pCellY};
+                if (m_cellExact && pCellX == m_previousX + 1.0) {
+                    m_pending = line;
+                    m_pendingFrom = m_closed;
+                } else {
+                    m_batch.Add(line.x1, line.y1, line.x2, line.y2);
+                }
             }
         } else {
             Close();
@@ -213,14 +222,36 @@ public:
         }
     }
 
+    // Ends the open column. A one-pixel line between neighbouring columns stays in those two
+    // columns and within a row of its end rows (its square caps reach half a pixel along it, and
+    // the rasterizer rounds an end that lands on a pixel edge either way); when both columns'
+    // strokes already cover those rows it adds no pixel, and in dense data that is most lines.
     void Close() {
+        std::optional<Rows> closed;
         if (m_open) {
             m_batch.Add(m_columnX, m_low, m_columnX, m_high);
+            closed = Rows{m_low, m_high};
             m_open = false;
         }
+        if (m_pending) {
+            const Rows needed{std::min(m_pending->y1, m_pending->y2) - 1.0,
+                              std::max(m_pending->y1, m_pending->y2) + 1.0};
+            if (!(m_pendingFrom && closed && m_pendingFrom->Covers(needed) &&
+                  closed->Covers(needed))) {
+                m_batch.Add(m_pending->x1, m_pending->y1, m_pending->x2, m_pending->y2);
+            }
+            m_pending.reset();
+        }
+        m_closed = closed;
     }
 
 private:
+    struct Rows {
+        double low;
+        double high;
+        bool Covers(const Rows& pOther) const { return low <= pOther.low && pOther.high <= high; }
+    };
+
     void Extend(double pCellX, double pLowY, double pHighY) {
         if (!m_open) {
             m_open = true;
@@ -238,6 +269,7 @@ private:
     }
 
     LineBatch m_batch;
+    bool m_cellExact;
     bool m_previousValid = false;
     double m_previousX = 0.0;
     double m_previousY = 0.0;
@@ -246,6 +278,13 @@ private:
     double m_columnX = 0.0;
     double m_low = 0.0;
     double m_high = 0.0;
+    // The rows the stroke of the column closed last covers, none when it had no stroke.
+    std::optional<Rows> m_closed;
+    // A line into the open column from its left neighbour, drawn when the open column closes
+    // unless the strokes of both columns already cover it; with the stroke of the column it
+    // came from.
+    std::optional<DrawingSurface::CellLine> m_pending;
+    std::optional<Rows> m_pendingFrom;
 };
 
 struct Cell {
@@ -343,7 +382,7 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, I
     if (!mapping || pRange.last < pRange.first) {
         return;
     }
-    ColumnWalker walker(pSurface);
+    ColumnWalker walker(pSurface, pSurface.DevicePenWidth() == 1);
     const Cell first =
         CellOf(*mapping, static_cast<double>(pRange.first), pPoints.At(pRange.first));
     walker.Start(first.x, first.y, first.valid);
