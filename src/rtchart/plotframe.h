@@ -1,10 +1,14 @@
 #pragma once
 
 #include "rtchart/chartlayout.h"
+#include "rtchart/seriesdrawing.h"
+
+#include <trv5charts/rtchart.h>
 
 #include <QFont>
 #include <QSize>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -88,6 +92,8 @@ struct LayoutKey {
 struct PaintMemory {
     std::optional<FrameState> frame;
     std::optional<LayoutKey> layout;
+    // By series slot.
+    std::array<ColumnCache, RTChart::kMaxSeries> columns;
 };
 
 // How often the plot was drawn whole and in bands, counted for the whole process (the charts live

@@ -322,7 +322,8 @@ void RTChart::DrawPlot(const rtchart::ColumnWindow* pWindow) {
             continue;
         }
         const std::size_t axis = series->DrawOnSecondaryAxis() ? 1 : 0;
-        rtchart::DrawSeries(*pic, *series, m_axes[axis].get(), window);
+        rtchart::DrawSeries(*pic, *series, m_axes[axis].get(), window,
+                            &m_painted->columns[static_cast<std::size_t>(i)]);
     }
     if (m_lineShown && m_lineValue != kNoLine) {
         // The line is a value of the main axis, whichever axis the last series used.

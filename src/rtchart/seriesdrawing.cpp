@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -377,7 +378,8 @@ Extremes ExtremesOf(std::span<const double> pValues) {
 // Points pRange.first to pRange.last. Starting anywhere but at 0 draws the shapes of every column
 // after the first one's exactly as the full walk does: a column's shapes depend only on its own
 // points and the last point before it.
-void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, IndexRange pRange) {
+void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, IndexRange pRange,
+                      ColumnCache* pCache) {
     const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping();
     if (!mapping || pRange.last < pRange.first) {
         return;
@@ -387,6 +389,11 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, I
         CellOf(*mapping, static_cast<double>(pRange.first), pPoints.At(pRange.first));
     walker.Start(first.x, first.y, first.valid);
 
+    // The summaries of a whole drawing are kept; pCache->columns[next] is the column at k.
+    std::vector<ColumnSummary>* cached =
+        pCache != nullptr && pRange.first == 0 ? &pCache->columns : nullptr;
+    std::size_t next = 0;
+
     // Columns are found by index when the points run left to right; otherwise, and for any
     // column holding a point that cannot be mapped, each point is stepped through on its own.
     const bool byColumn = mapping->xFactor > 0.0 && std::isfinite(mapping->xFactor) &&
@@ -395,25 +402,44 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, I
     while (k <= pRange.last) {
         const double x = mapping->X(static_cast<double>(k));
         if (!byColumn || !std::isfinite(x)) {
+            if (cached != nullptr) {
+                cached->resize(next);
+                cached = nullptr;
+            }
             const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
             walker.Step(cell.x, cell.y, cell.valid);
             ++k;
             continue;
         }
-        const double column = std::floor(x);
-        const std::int64_t end = LastInColumn(*mapping, column, k, pRange.last);
-        Extremes extremes{pPoints.At(k), pPoints.At(k), false};
-        if (pPoints.ready) {
-            extremes = ExtremesOf(pPoints.values.subspan(static_cast<std::size_t>(k),
-                                                         static_cast<std::size_t>(end - k + 1)));
+        ColumnSummary summary;
+        if (cached != nullptr && next < cached->size() && (*cached)[next].first == k &&
+            (*cached)[next].last <= pRange.last) {
+            summary = (*cached)[next++];
+        } else {
+            summary.column = std::floor(x);
+            summary.first = k;
+            summary.last = LastInColumn(*mapping, summary.column, k, pRange.last);
+            summary.firstValue = pPoints.At(k);
+            summary.lastValue = pPoints.At(summary.last);
+            Extremes extremes{summary.firstValue, summary.firstValue, false};
+            if (pPoints.ready) {
+                extremes = ExtremesOf(pPoints.values.subspan(
+                    static_cast<std::size_t>(k), static_cast<std::size_t>(summary.last - k + 1)));
+            }
+            summary.low = extremes.low;
+            summary.high = extremes.high;
+            summary.nan = extremes.nan;
+            if (cached != nullptr) {
+                cached->resize(next);
+                cached->push_back(summary);
+                ++next;
+            }
         }
-        const double low = extremes.low;
-        const double high = extremes.high;
-        const bool nan = extremes.nan;
-        const double lowY = mapping->Y(low);
-        const double highY = mapping->Y(high);
-        if (nan || std::isnan(low) || !std::isfinite(lowY) || !std::isfinite(highY)) {
-            for (; k <= end; ++k) {
+        const double lowY = mapping->Y(summary.low);
+        const double highY = mapping->Y(summary.high);
+        if (summary.nan || std::isnan(summary.low) || !std::isfinite(lowY) ||
+            !std::isfinite(highY)) {
+            for (; k <= summary.last; ++k) {
                 const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
                 walker.Step(cell.x, cell.y, cell.valid);
             }
@@ -423,15 +449,18 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, I
         // rows of the extreme values.
         const double rowA = std::floor(lowY);
         const double rowB = std::floor(highY);
-        walker.Column(column, std::floor(mapping->Y(pPoints.At(k))),
-                      std::floor(mapping->Y(pPoints.At(end))), std::min(rowA, rowB),
-                      std::max(rowA, rowB), end - k + 1);
-        k = end + 1;
+        walker.Column(summary.column, std::floor(mapping->Y(summary.firstValue)),
+                      std::floor(mapping->Y(summary.lastValue)), std::min(rowA, rowB),
+                      std::max(rowA, rowB), summary.last - k + 1);
+        k = summary.last + 1;
+    }
+    if (cached != nullptr) {
+        cached->resize(next);
     }
 }
 
 void DrawPolyline(DrawingSurface& pSurface, Series& pSeries,
-                  const std::optional<ColumnWindow>& pWindow) {
+                  const std::optional<ColumnWindow>& pWindow, ColumnCache* pCache) {
     const bool dots = pSeries.Point() == ptDot;
     double dotRadius = 0.0;
     if (dots) {
@@ -451,7 +480,17 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries,
     // Dots and lines share one colour, so drawing all lines first gives the same pixels as
     // interleaving them.
     const IndexRange range = WindowRange(pSurface, points.last, pWindow);
-    DrawPixelColumns(pSurface, points, range);
+    // A band leaves the cache alone: it still describes the last full drawing, and the next one
+    // finds out what changed since.
+    ColumnCache* cache = pWindow ? nullptr : pCache;
+    if (cache != nullptr) {
+        if (const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping()) {
+            cache->Validate(pSeries, points.last, *mapping);
+        } else {
+            cache = nullptr;
+        }
+    }
+    DrawPixelColumns(pSurface, points, range, cache);
     if (dots) {
         for (std::int64_t k = range.first; k <= range.last; ++k) {
             pSurface.Circle(static_cast<double>(k), points.At(k), dotRadius);
@@ -475,8 +514,48 @@ int ShapeReach(const DrawingSurface& pSurface) {
            1;
 }
 
+void ColumnCache::Validate(const Series& pSeries, std::int64_t pLast,
+                           const DrawingSurface::DeviceMapping& pMapping) {
+    const auto same = [](double pA, double pB) {
+        return std::bit_cast<std::uint64_t>(pA) == std::bit_cast<std::uint64_t>(pB);
+    };
+    const bool sameSeries = m_series == &pSeries && m_revision == pSeries.Revision() &&
+                            m_ready == pSeries.DataReady() && m_values == pSeries.Values().data() &&
+                            m_held == pSeries.Values().size() && same(m_left, pMapping.left) &&
+                            same(m_xFactor, pMapping.xFactor);
+    const std::uint64_t added = pSeries.PointsAdded() - m_added;
+    if (!sameSeries) {
+        columns.clear();
+    } else if (added != 0 || pSeries.LastPoint() != m_lastPoint) {
+        // Points appended since: the slots after the newest point then have changed, and the
+        // column that held it may have grown.
+        if (pSeries.LastPoint() > m_lastPoint &&
+            added == static_cast<std::uint64_t>(pSeries.LastPoint() - m_lastPoint)) {
+            const auto kept =
+                std::find_if(columns.begin(), columns.end(), [&](const ColumnSummary& pColumn) {
+                    return pColumn.last >= m_lastPoint;
+                });
+            columns.erase(kept, columns.end());
+        } else {
+            columns.clear();
+        }
+    } else if (pLast != m_last) {
+        columns.clear();
+    }
+    m_series = &pSeries;
+    m_revision = pSeries.Revision();
+    m_added = pSeries.PointsAdded();
+    m_lastPoint = pSeries.LastPoint();
+    m_ready = pSeries.DataReady();
+    m_values = pSeries.Values().data();
+    m_held = pSeries.Values().size();
+    m_left = pMapping.left;
+    m_xFactor = pMapping.xFactor;
+    m_last = pLast;
+}
+
 void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis,
-                const std::optional<ColumnWindow>& pWindow) {
+                const std::optional<ColumnWindow>& pWindow, ColumnCache* pCache) {
     if (pAxis == nullptr) {
         return;
     }
@@ -487,7 +566,7 @@ void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis,
         if (pSeries.DataType() == NonContinuous) {
             DrawMarkers(pSurface, pSeries, pWindow);
         } else {
-            DrawPolyline(pSurface, pSeries, pWindow);
+            DrawPolyline(pSurface, pSeries, pWindow, pCache);
         }
     } catch (...) {
         // A series that cannot be drawn leaves what it drew and gives way to the next one.
