@@ -16,6 +16,7 @@
 #include <trv5charts/rtchart.h>
 
 #include "platform/drawingsurface.h"
+#include "rtchartbench.h"
 
 #include <QApplication>
 #include <QThread>
@@ -26,22 +27,16 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <ctime>
 #include <memory>
 #include <random>
 #include <vector>
 
 namespace {
 
-constexpr QSize kSize(1000, 600);
+using trv5::bench::ThreadMilliseconds;
+using trv5::bench::Walk;
 
-// This thread's processor time in milliseconds: on a shared machine the wall clock also counts
-// the time other processes held the core.
-double ThreadMilliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-}
+constexpr QSize kSize(1000, 600);
 
 double WallMilliseconds() {
     return std::chrono::duration<double, std::milli>(
@@ -379,20 +374,6 @@ BENCHMARK(BM_LiveFeedPaced)
     ->Args({3, 1'000'000, 100, 120})
     ->Iterations(1)
     ->Unit(benchmark::kSecond);
-
-// A random walk, as a model's output over a million records looks at this scale (the same
-// values as BM_RTChartRefreshBulk).
-std::vector<double> Walk(std::size_t pCount, unsigned pSeed) {
-    std::mt19937_64 random(pSeed);
-    std::normal_distribution<double> step(0.0, 0.01);
-    std::vector<double> values(pCount);
-    double value = 0.5;
-    for (double& v : values) {
-        value = std::clamp(value + step(random), 0.0, 1.0);
-        v = value;
-    }
-    return values;
-}
 
 void BM_QCustomPlotRefreshBulk(benchmark::State& pState) {
     constexpr std::size_t kPoints = 1'000'000;

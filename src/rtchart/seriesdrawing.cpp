@@ -169,7 +169,9 @@ public:
 
 private:
     DrawingSurface& m_surface;
-    std::array<DrawingSurface::CellLine, kBatch> m_lines{};
+    // Not cleared: only the first m_size entries are ever read, and clearing 128 KB for every
+    // series of every frame showed in the profile of a live run.
+    std::array<DrawingSurface::CellLine, kBatch> m_lines;
     std::size_t m_size = 0;
 };
 
