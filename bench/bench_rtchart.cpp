@@ -6,18 +6,21 @@
 
 #include "platform/drawingsurface.h"
 #include "rtchart/seriesdrawing.h"
+#include "rtchartbench.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <ctime>
 #include <memory>
 #include <random>
 #include <vector>
 
 namespace {
+
+using trv5::bench::ThreadMilliseconds;
+using trv5::bench::Walk;
 
 constexpr int kSeries = 21;
 constexpr int kValues = 100'000;
@@ -64,12 +67,17 @@ void BM_RTChartToString(benchmark::State& pState) {
 }
 BENCHMARK(BM_RTChartToString)->Unit(benchmark::kMillisecond);
 
+// Into a fresh chart, with the closing redraw at the chart's first size (640 x 480); argument 1
+// sizes the chart to nothing first, so that the difference is the closing redraw.
 void BM_RTChartFromString(benchmark::State& pState) {
     trv5::RTChart source;
     FillChart(source);
     const QString text = source.ToString();
     for (auto _ : pState) {
         trv5::RTChart chart;
+        if (pState.range(0) == 1) {
+            chart.resize(0, 0);
+        }
         chart.FromString(text);
         if (chart.SeriesCount() != kSeries) {
             pState.SkipWithError("state did not load");
@@ -77,7 +85,7 @@ void BM_RTChartFromString(benchmark::State& pState) {
     }
     pState.SetBytesProcessed(static_cast<std::int64_t>(pState.iterations()) * text.size());
 }
-BENCHMARK(BM_RTChartFromString)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RTChartFromString)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void BM_RTChartDataAsString(benchmark::State& pState) {
     MeasureText(pState, [](trv5::RTChart& pChart) { return pChart.GetChartDataAsString(); });
@@ -108,60 +116,50 @@ void BM_RTChartAddPoint(benchmark::State& pState) {
 }
 BENCHMARK(BM_RTChartAddPoint)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
-// A random walk, as a model's output over a million records looks at this scale.
-std::vector<double> Walk(std::size_t pCount, unsigned pSeed) {
-    std::mt19937_64 random(pSeed);
-    std::normal_distribution<double> step(0.0, 0.01);
-    std::vector<double> values(pCount);
-    double value = 0.5;
-    for (double& v : values) {
-        value = std::clamp(value + step(random), 0.0, 1.0);
-        v = value;
-    }
-    return values;
-}
-
 // Redraws the chart into its plot's raster and waits for the picture to be finished.
 void RefreshNow(trv5::RTChart& pChart, const trv5::platform::DrawingSurface& pPic) {
     pChart.Refresh();
     benchmark::DoNotOptimize(pPic.Raster().constBits());
 }
 
-// Two bulk series of 1,000,000 points on a 1000 x 600 chart. Argument 1 draws every segment
-// instead of the pixel columns, for comparison.
+// Two bulk series of 1,000,000 points on a 1000 x 600 chart, drawn whole after the axis range
+// moved (the columns' extremes are kept from the drawing before). Argument 1 draws every segment
+// instead of the pixel columns, for comparison; argument 2 hands the data over again before each
+// redraw (SetSeriesData twice, then Refresh), so that every column is found afresh.
 void BM_RTChartRefreshBulk(benchmark::State& pState) {
     constexpr std::size_t kPoints = 1'000'000;
-    trv5::rtchart::SetPolylineMode(pState.range(0) == 0
-                                       ? trv5::rtchart::PolylineMode::PixelColumns
-                                       : trv5::rtchart::PolylineMode::EverySegment);
+    trv5::rtchart::SetPolylineMode(pState.range(0) == 1
+                                       ? trv5::rtchart::PolylineMode::EverySegment
+                                       : trv5::rtchart::PolylineMode::PixelColumns);
     trv5::RTChart chart;
     chart.resize(1000, 600);
     auto axis = std::make_shared<trv5::Axis>();
     axis->Init(-0.05, 1.05, false);
     chart.SetMainYAxis(axis);
+    const std::vector<double> walks[] = {Walk(kPoints, 7), Walk(kPoints, 8)};
     for (int s = 0; s < 2; ++s) {
         const auto index = chart.AddSeries(nullptr, false, QStringLiteral("Series %1").arg(s));
         chart.GetSeries(index)->Init(static_cast<std::int32_t>(kPoints), 0, 1, trv5::Bulk, false);
         chart.GetSeries(index)->SetColour(s == 0 ? 0x0000C0 : 0xC00000);
-        chart.SetSeriesData(index, Walk(kPoints, static_cast<unsigned>(s) + 7));
+        chart.SetSeriesData(index, walks[s]);
     }
     const auto& pic = *chart.findChild<trv5::platform::DrawingSurface*>(QStringLiteral("pic"));
     RefreshNow(chart, pic);
+    // An unchanged chart is not drawn again; a range that moves by a hair is drawn whole.
+    bool nudged = false;
     for (auto _ : pState) {
+        nudged = !nudged;
+        axis->Init(-0.05, nudged ? 1.05 + 1e-9 : 1.05, false);
+        if (pState.range(0) == 2) {
+            chart.SetSeriesData(0, walks[0]);
+            chart.SetSeriesData(1, walks[1]);
+        }
         RefreshNow(chart, pic);
     }
     trv5::rtchart::SetPolylineMode(trv5::rtchart::PolylineMode::PixelColumns);
     pState.SetItemsProcessed(pState.iterations() * static_cast<std::int64_t>(2 * kPoints));
 }
-BENCHMARK(BM_RTChartRefreshBulk)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-
-// This thread's processor time in milliseconds: on a shared machine the wall clock also counts
-// the time other processes held the core.
-double ThreadMilliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-}
+BENCHMARK(BM_RTChartRefreshBulk)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 // A live run: 21 drip-feed series of 10,000 generations, each generation one AddPoint per series
 // and a Refresh. Reports the median and the 99th percentile of one generation, by the wall clock

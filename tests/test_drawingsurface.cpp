@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 using trv5::platform::DrawingSurface;
 
@@ -459,4 +460,39 @@ TEST(DrawingSurfaceToolTip, KeepsTheTextOnTheWidget) {
     surface.SetToolTipText(QStringLiteral(" Fitness: 4 "));
     EXPECT_EQ(surface.ToolTipText(), QStringLiteral(" Fitness: 4 "));
     EXPECT_EQ(surface.toolTip(), QStringLiteral(" Fitness: 4 "));
+}
+
+// A band redraws its columns with whole shapes: inside the band the picture is what the same
+// calls give over the whole picture, outside it the picture is left as it was.
+TEST(DrawingSurfaceBand, ReplacesOnlyItsColumnsWithWhatAFullDrawingGives) {
+    const auto draw = [](DrawingSurface& pSurface) {
+        pSurface.Cls();
+        pSurface.SetForeColor(kInk);
+        pSurface.Line(0.0, 0.0, 59.0, 39.0); // crosses the band slanting
+        pSurface.SetForeColor(kBar);
+        pSurface.Line(10.0, 20.0, 50.0, 20.0); // across it
+        pSurface.CellLines(std::vector<DrawingSurface::CellLine>{{30, 5, 30, 35}, {31, 8, 34, 2}});
+    };
+    Surface full(1.0, 60, 40);
+    full.widget.SetScale(0.0, 0.0, 60.0, 40.0);
+    draw(full.widget);
+    const QImage expected = full.widget.Raster().copy();
+
+    Surface banded(1.0, 60, 40);
+    banded.widget.SetScale(0.0, 0.0, 60.0, 40.0);
+    banded.widget.FilledBox(0.0, 0.0, 60.0, 40.0, kBlack); // what was there before
+    banded.widget.BeginColumnBand(25, 33);
+    EXPECT_TRUE(banded.widget.InColumnBand());
+    draw(banded.widget);
+    banded.widget.EndColumnBand();
+    EXPECT_FALSE(banded.widget.InColumnBand());
+    const QImage& picture = banded.widget.Raster();
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 60; ++x) {
+            const bool inBand = x >= 25 && x <= 33;
+            EXPECT_EQ(PixelAt(picture, x, y), inBand ? PixelAt(expected, x, y) : kBlack)
+                << x << ", " << y;
+        }
+    }
+    EXPECT_GT(CountInImage(picture, kInk) + CountInImage(picture, kBar), 20);
 }

@@ -559,6 +559,8 @@ TEST(Gallery, ToolTipsNameTheLineAndTheVariable) {
     ASSERT_TRUE(match.hasMatch()) << barTip.toStdString();
     EXPECT_TRUE(window.Session().LastResults()->FeatureNames().contains(match.captured(1)));
     trv5::Globals::StoreConfig(nullptr);
+}
+
 namespace {
 
 double Contrast(const QColor& pFirst, const QColor& pSecond) {

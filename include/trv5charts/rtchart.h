@@ -30,6 +30,12 @@ class ChartMenu;
 class DrawingSurface;
 } // namespace platform
 
+namespace rtchart {
+struct ColumnWindow;
+struct FrameState;
+struct PaintMemory;
+} // namespace rtchart
+
 // The run progress chart: up to 21 line series plotted by generation (fed one point at a time
 // while a run goes on) or by record (handed over in bulk afterwards), against a main value axis
 // and an optional secondary one, with an optional horizontal reference line.
@@ -204,8 +210,10 @@ protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
-    // The paint procedure: layout, then the plot.
+    // The paint procedure: layout, then the plot, whole or only where points were appended.
     void DrawChart();
+    void DrawPlot(const rtchart::ColumnWindow* pWindow);
+    rtchart::FrameState CaptureFrame() const;
     void ApplyLayout();
     void DrawGrid();
     void OnMenuCommand(int pIndex);
@@ -258,6 +266,9 @@ private:
     std::array<QLabel*, 2> lblAxisTitle{};
     // The short lines in front of the legend entries; the last one in use is the line's.
     std::vector<QFrame*> m_legendSwatches;
+
+    // The last frame and layout, so that a Refresh redraws only what changed.
+    std::unique_ptr<rtchart::PaintMemory> m_painted;
 
     std::vector<QLabel*> lblLegend;
     std::array<QLabel*, 2> lblOrigin{};

@@ -106,6 +106,11 @@ public:
     // no entry for it), else the value itself.
     double DisplayedValue(std::int32_t pIndex) const;
     std::span<const double> Values() const { return m_values; }
+    // Change counters for whoever draws the series: Revision moves with every change of the
+    // values other than AddPoint (Init, the SetData family, ClearData, loading), PointsAdded
+    // with every AddPoint. Together with LastPoint they tell appended points from a new series.
+    std::uint64_t Revision() const { return m_revision; }
+    std::uint64_t PointsAdded() const { return m_pointsAdded; }
 
     // Empty while the series has no data: a series without data is not saved at all.
     QString ToString() override;
@@ -139,6 +144,8 @@ private:
     bool m_hasOriginalData = false;
     std::vector<double> m_originalValues;
     std::int32_t m_lastPoint = -1;
+    std::uint64_t m_revision = 0;
+    std::uint64_t m_pointsAdded = 0;
 };
 
 } // namespace trv5

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace trv5::platform {
@@ -385,13 +386,13 @@ QPainter* DrawingSurface::Painter() {
     if (m_painter) {
         return &*m_painter;
     }
-    if (m_raster.isNull()) {
+    if (m_raster.isNull() || (m_band && m_scratch.size() != m_raster.size())) {
         return nullptr;
     }
     // The painter works in device pixels: with the ratio on the image, Qt would scale every
     // coordinate and a shape could no longer be placed on exact pixels.
     m_raster.setDevicePixelRatio(1.0);
-    m_painter.emplace(&m_raster);
+    m_painter.emplace(&Target());
     if (!m_painter->isActive()) {
         m_painter.reset();
         m_raster.setDevicePixelRatio(m_dpr);
@@ -425,10 +426,58 @@ void DrawingSurface::ApplyPen(QPainter& pPainter) {
 }
 
 void DrawingSurface::ScheduleUpdate() {
+    // A band repaints its own strip when it is copied in.
+    if (m_band) {
+        return;
+    }
     if (!m_updatePending) {
         m_updatePending = true;
         update();
     }
+}
+
+void DrawingSurface::BeginColumnBand(int pLeft, int pRight) {
+    SyncRaster();
+    EndPainting();
+    const int width = m_raster.width();
+    const int left = std::clamp(pLeft, 0, std::max(0, width - 1));
+    m_band.emplace(left, std::clamp(pRight, left, std::max(0, width - 1)));
+    if (m_raster.isNull()) {
+        return;
+    }
+    if (m_scratch.size() != m_raster.size() || m_scratch.format() != m_raster.format()) {
+        m_scratch = QImage(m_raster.size(), m_raster.format());
+        m_scratch.setDotsPerMeterX(m_raster.dotsPerMeterX());
+        m_scratch.setDotsPerMeterY(m_raster.dotsPerMeterY());
+    }
+}
+
+void DrawingSurface::EndColumnBand() {
+    if (!m_band) {
+        return;
+    }
+    const auto [left, right] = *m_band;
+    EndPainting();
+    m_band.reset();
+    SyncRaster();
+    if (m_raster.isNull() || m_scratch.size() != m_raster.size() ||
+        m_scratch.format() != m_raster.format() || m_raster.depth() != 32) {
+        return;
+    }
+    const std::size_t offset = static_cast<std::size_t>(left) * 4;
+    const std::size_t bytes = static_cast<std::size_t>(right - left + 1) * 4;
+    for (int y = 0; y < m_raster.height(); ++y) {
+        std::memcpy(m_raster.scanLine(y) + offset, m_scratch.constScanLine(y) + offset, bytes);
+    }
+    // The strip of widget pixels that shows those device columns.
+    const int from = static_cast<int>(std::floor(left / m_dpr));
+    const int to = static_cast<int>(std::ceil((right + 1) / m_dpr));
+    update(QRect(from, 0, to - from, height()));
+}
+
+QSize DrawingSurface::DeviceSize() const {
+    SyncRaster();
+    return m_raster.size();
 }
 
 const QImage& DrawingSurface::Raster() const {
@@ -483,14 +532,22 @@ void DrawingSurface::StrokeCells(double pX1, double pY1, double pX2, double pY2)
 
 bool DrawingSurface::StrokeCellsWith(QPainter& pPainter, double pX1, double pY1, double pX2,
                                      double pY2) {
-    const int w = PenWidthInDevicePixels();
     if (pX1 == pX2 && pY1 == pY2) {
         // A stroke of no length still marks its cell, as a picture box does.
-        const double limit = std::max(m_raster.width(), m_raster.height()) + 2.0 * w;
-        pPainter.fillRect(QRect(PixelEdge(pX1, limit), PixelEdge(pY1, limit), w, w),
-                          ToQColor(m_foreColor));
+        FillColumnCells(pPainter, pX1, pY1, pY2, ToQColor(m_foreColor));
         return true;
     }
+    const std::optional<QLineF> line = StrokeLine(pX1, pY1, pX2, pY2);
+    if (!line) {
+        return false;
+    }
+    pPainter.drawLine(*line);
+    return true;
+}
+
+std::optional<QLineF> DrawingSurface::StrokeLine(double pX1, double pY1, double pX2,
+                                                 double pY2) const {
+    const int w = PenWidthInDevicePixels();
     const double half = w / 2.0;
     double x1 = pX1 + half;
     double y1 = pY1 + half;
@@ -500,10 +557,38 @@ bool DrawingSurface::StrokeCellsWith(QPainter& pPainter, double pX1, double pY1,
     const double margin = 2.0 * w + 2.0;
     if (!ClipSegment(x1, y1, x2, y2, -margin, -margin, m_raster.width() + margin,
                      m_raster.height() + margin)) {
-        return false;
+        return std::nullopt;
     }
-    pPainter.drawLine(QLineF(x1, y1, x2, y2));
-    return true;
+    return QLineF(x1, y1, x2, y2);
+}
+
+void DrawingSurface::FillColumnCells(QPainter& pPainter, double pX, double pY1, double pY2,
+                                     const QColor& pColour) {
+    const int w = PenWidthInDevicePixels();
+    const double limit = std::max(m_raster.width(), m_raster.height()) + 2.0 * w;
+    const int left = PixelEdge(pX, limit);
+    const int top = PixelEdge(std::min(pY1, pY2), limit);
+    const int bottom = PixelEdge(std::max(pY1, pY2), limit);
+    const QRect cells(left, top, w, bottom - top + w);
+    QImage& image = Target();
+    // A narrow, tall rectangle costs the painter a call per row; written straight into the
+    // picture it is a store per pixel. That is exactly what the painter does for an opaque colour
+    // on 32-bit pixels (it draws without clip or transformation here), and the picture is the
+    // painter's own as long as nothing shares it.
+    if (image.depth() != 32 || pColour.alpha() != 255 || !image.isDetached()) {
+        pPainter.fillRect(cells, pColour);
+        return;
+    }
+    const QRect visible = cells.intersected(image.rect());
+    if (visible.isEmpty()) {
+        return;
+    }
+    const QRgb value = pColour.rgb();
+    const qsizetype stride = image.bytesPerLine();
+    uchar* row = image.bits() + visible.top() * stride + static_cast<qsizetype>(visible.left()) * 4;
+    for (int y = visible.top(); y <= visible.bottom(); ++y, row += stride) {
+        std::fill_n(reinterpret_cast<QRgb*>(row), visible.width(), value);
+    }
 }
 
 void DrawingSurface::CellLines(std::span<const CellLine> pLines) {
@@ -516,9 +601,33 @@ void DrawingSurface::CellLines(std::span<const CellLine> pLines) {
     }
     ApplyPen(*painter);
     bool drawn = false;
-    for (const CellLine& line : pLines) {
-        if (Finite(line.x1) && Finite(line.y1) && Finite(line.x2) && Finite(line.y2)) {
-            drawn = StrokeCellsWith(*painter, line.x1, line.y1, line.x2, line.y2) || drawn;
+    if (m_drawStyle != DrawStyle::Solid) {
+        for (const CellLine& line : pLines) {
+            if (Finite(line.x1) && Finite(line.y1) && Finite(line.x2) && Finite(line.y2)) {
+                drawn = StrokeCellsWith(*painter, line.x1, line.y1, line.x2, line.y2) || drawn;
+            }
+        }
+    } else {
+        // A solid line within one column covers exactly the cells from its top to its bottom
+        // end (square caps), so it is written as a rectangle; the others go to the rasterizer
+        // together. All are one colour, so the order among them does not matter.
+        const QColor colour = ToQColor(m_foreColor);
+        m_lineBuffer.clear();
+        for (const CellLine& line : pLines) {
+            if (!Finite(line.x1) || !Finite(line.y1) || !Finite(line.x2) || !Finite(line.y2)) {
+                continue;
+            }
+            if (line.x1 == line.x2) {
+                FillColumnCells(*painter, line.x1, line.y1, line.y2, colour);
+                drawn = true;
+            } else if (const std::optional<QLineF> stroke =
+                           StrokeLine(line.x1, line.y1, line.x2, line.y2)) {
+                m_lineBuffer.push_back(*stroke);
+            }
+        }
+        if (!m_lineBuffer.empty()) {
+            painter->drawLines(m_lineBuffer.data(), static_cast<int>(m_lineBuffer.size()));
+            drawn = true;
         }
     }
     if (drawn) {
@@ -530,7 +639,11 @@ void DrawingSurface::Cls() {
     m_currentX = 0.0;
     m_currentY = 0.0;
     if (QPainter* painter = Painter()) {
-        painter->fillRect(m_raster.rect(), ToQColor(m_backColor));
+        QRect area = m_raster.rect();
+        if (m_band) {
+            area = QRect(m_band->first, 0, m_band->second - m_band->first + 1, m_raster.height());
+        }
+        painter->fillRect(area, ToQColor(m_backColor));
         ScheduleUpdate();
     }
 }

@@ -2,6 +2,7 @@
 
 #include <QFont>
 #include <QImage>
+#include <QLineF>
 #include <QPainter>
 #include <QSize>
 #include <QString>
@@ -10,6 +11,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 namespace trv5::platform {
 
@@ -106,6 +109,8 @@ public:
     void SetDrawStyle(DrawStyle pStyle);
     // Line width in widget pixels; values below 1 count as 1.
     int DrawWidth() const { return m_drawWidth; }
+    // The line width in device pixels, as lines are drawn.
+    int DevicePenWidth() const { return PenWidthInDevicePixels(); }
     void SetDrawWidth(int pWidth);
 
     // ---- drawing ----
@@ -164,6 +169,19 @@ public:
     void SetToolTipText(const QString& pText) { setToolTip(pText); }
     QString ToolTipText() const { return toolTip(); }
 
+    // ---- redrawing a band of device columns ----
+    // Between BeginColumnBand and EndColumnBand drawing goes to a scratch picture, Cls clears
+    // only the band there, and EndColumnBand copies device columns pLeft to pRight (inclusive)
+    // into the picture and repaints only that strip of the widget. Shapes are drawn whole, not
+    // clipped to the band, so every pixel of the band gets exactly the colour the same calls
+    // give it over the whole picture, while pixels outside the band keep theirs. Callers redraw
+    // everything that reaches into the band, in the order of a full redraw.
+    void BeginColumnBand(int pLeft, int pRight);
+    void EndColumnBand();
+    bool InColumnBand() const { return m_band.has_value(); }
+    // The picture's size in device pixels (empty without a raster).
+    QSize DeviceSize() const;
+
     // The finished picture, device pixels with the device pixel ratio set.
     const QImage& Raster() const;
     double DevicePixelRatio() const;
@@ -198,18 +216,33 @@ private:
     void EndPainting() const;
     void ApplyPen(QPainter& pPainter);
     void ScheduleUpdate();
+    // The picture drawing goes to: the raster, or the scratch picture while a band is redrawn.
+    QImage& Target() const { return m_band ? m_scratch : m_raster; }
+    // A solid stroke along one device column written as a filled rectangle: the cells a
+    // vertical line of the pen width covers with its square caps.
+    void FillColumnCells(QPainter& pPainter, double pX, double pY1, double pY2,
+                         const QColor& pColour);
     // A stroke between two pixel cells (device coordinates of their top left corners) that
     // covers both cells with the pen width.
     void StrokeCells(double pX1, double pY1, double pX2, double pY2);
     // The stroke on an open painter with the pen applied; false when nothing was drawn.
     bool StrokeCellsWith(QPainter& pPainter, double pX1, double pY1, double pX2, double pY2);
+    // The line the painter strokes between two cells, clipped to a margin around the raster;
+    // nullopt when none of it can show.
+    std::optional<QLineF> StrokeLine(double pX1, double pY1, double pX2, double pY2) const;
     void FillCells(double pX, double pY, const QColor& pColour);
     void DrawTextAt(const QString& pText, double pX, double pY, double pDegrees,
                     const QFont& pFont);
 
     // The raster is declared before the painter so that the painter ends before it goes.
     mutable QImage m_raster;
+    // Where a band is drawn before it is copied into the raster; kept between bands.
+    mutable QImage m_scratch;
     mutable std::optional<QPainter> m_painter;
+    // Device columns of the band being redrawn, left and right inclusive.
+    std::optional<std::pair<int, int>> m_band;
+    // Slanted lines of one CellLines call, kept to avoid allocating per frame.
+    std::vector<QLineF> m_lineBuffer;
     mutable QSize m_rasterLayout; // the widget size the raster was made for
     mutable double m_dpr = 1.0;
     mutable bool m_penDirty = true;

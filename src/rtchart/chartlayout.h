@@ -21,6 +21,8 @@ struct ValueAxisInfo {
     // Shown instead of a computed text for the top value when not empty.
     QString topText;
     QString title;
+
+    bool operator==(const ValueAxisInfo&) const = default;
 };
 
 struct LayoutInput {
@@ -36,6 +38,8 @@ struct LayoutInput {
     // Legend entries in order; the line's legend last, empty when hidden.
     QStringList legend;
     QString lineLegend;
+
+    bool operator==(const LayoutInput&) const = default;
 };
 
 // Each legend entry starts with a short line in the entry's colour, this wide with its gap.

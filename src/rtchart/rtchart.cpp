@@ -7,6 +7,7 @@
 #include "platform/drawingsurface.h"
 #include "platform/focusmark.h"
 #include "platform/xmldocument.h"
+#include "rtchart/plotframe.h"
 
 #include <trv5charts/axisrange.h>
 #include <trv5charts/charterror.h>
@@ -43,7 +44,12 @@ void AppendUserNumber(std::string& pOut, double pValue, char pDecimalPoint) {
 } // namespace
 
 RTChart::RTChart(QWidget* pParent)
-    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)) {
+    : QWidget(pParent), m_lineColour(ColorConverter::RGBToLong(75, 77, 102)),
+      m_painted(std::make_unique<rtchart::PaintMemory>()) {
+    // The chart has no natural size of its own. Without this, grabbing or showing a chart that
+    // nobody has sized makes Qt size it to fit its children, whose frame reaches one pixel past
+    // the plot, so every grab grew the chart by a pixel and redrew it.
+    setAttribute(Qt::WA_Resized);
     // The frame goes first so that the plot lies above it.
     fraPlot = new QFrame(this);
     fraPlot->setObjectName(QStringLiteral("fraPlot"));

@@ -5,6 +5,7 @@
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
 #include "rtchart/chartlayout.h"
+#include "rtchart/plotframe.h"
 #include "rtchart/seriesdrawing.h"
 
 #include <trv5charts/colorconverter.h>
@@ -15,6 +16,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
 
 namespace trv5 {
 
@@ -113,6 +116,24 @@ void RTChart::ApplyLayout() {
     if (lblLineLegend->isVisibleTo(this)) {
         input.lineLegend = lblLineLegend->text();
     }
+    // Laying out measures every text; when nothing it depends on has changed, the labels are
+    // where they belong and are left alone, so that they are not repainted either.
+    rtchart::LayoutKey key;
+    key.input = input;
+    for (QLabel* label : legend) {
+        key.legendLabels.push_back(label);
+        const auto slot = static_cast<std::size_t>(
+            std::find(lblLegend.begin(), lblLegend.end(), label) - lblLegend.begin());
+        key.legendColours.push_back(
+            slot < m_series.size() && m_series[slot] ? m_series[slot]->Colour() : 0);
+    }
+    key.lineLegendShown = lblLineLegend->isVisibleTo(this);
+    key.lineColour = m_lineColour;
+    key.font = font();
+    if (m_painted->layout && *m_painted->layout == key) {
+        return;
+    }
+    m_painted->layout = std::move(key);
     const rtchart::ChartLayout layout = rtchart::ComputeLayout(input, fontMetrics());
 
     pic->setGeometry(layout.plot);
@@ -205,27 +226,125 @@ void RTChart::DrawGrid() {
     }
 }
 
+rtchart::FrameState RTChart::CaptureFrame() const {
+    rtchart::FrameState frame;
+    frame.deviceSize = pic->DeviceSize();
+    frame.ratio = pic->DevicePixelRatio();
+    frame.polylineMode = static_cast<std::int32_t>(rtchart::CurrentPolylineMode());
+    frame.backColour = m_backColor;
+    if (const std::optional<DrawingSurface::DeviceMapping> mapping = pic->Mapping();
+        mapping && m_axes[0]) {
+        frame.mapped = true;
+        frame.left = mapping->left;
+        frame.top = mapping->top;
+        frame.xFactor = mapping->xFactor;
+        frame.yFactor = mapping->yFactor;
+    }
+    for (std::size_t a = 0; a < 2; ++a) {
+        const double none = std::numeric_limits<double>::quiet_NaN();
+        frame.axes[2 * a] = m_axes[a] ? m_axes[a]->Minimum() : none;
+        frame.axes[2 * a + 1] = m_axes[a] ? m_axes[a]->Maximum() : none;
+    }
+    frame.dataChanged = m_dataChanged;
+    frame.drawnSeries = DrawnSeriesCount();
+    frame.lineShown = m_lineShown;
+    frame.lineValue = m_lineValue;
+    frame.lineColour = m_lineColour;
+    frame.gridX = m_gridX;
+    frame.gridY = m_gridY;
+    for (std::int32_t i = 0; i < frame.drawnSeries; ++i) {
+        rtchart::SeriesState state;
+        if (Series* series = m_series[static_cast<std::size_t>(i)].get()) {
+            state.series = series;
+            state.revision = series->Revision();
+            state.pointsAdded = series->PointsAdded();
+            state.lastPoint = series->LastPoint();
+            state.count = series->Count();
+            state.values = series->Values().data();
+            state.held = series->Values().size();
+            state.colour = series->Colour();
+            state.dataType = series->DataType();
+            state.point = series->Point();
+            state.setType = series->SetType();
+            state.ready = series->DataReady();
+            state.secondary = series->DrawOnSecondaryAxis();
+        }
+        frame.series.push_back(state);
+    }
+    return frame;
+}
+
 void RTChart::DrawChart() {
     setAccessibleDescription(DataSummary(
         m_seriesCount, m_seriesCount > 0 ? m_series[0].get() : nullptr, m_lastGeneration));
     ApplyLayout();
     pic->SetBackColor(m_backColor);
+    pic->SetDrawStyle(DrawingSurface::DrawStyle::Solid);
+    if (const std::shared_ptr<Axis>& main = m_axes[0]) {
+        // Point indexes across, the main axis up: series 0 sets the horizontal extent.
+        const std::int32_t count = m_seriesCount > 0 && m_series[0] ? m_series[0]->Count() : 0;
+        pic->SetScale(0.0, main->Maximum(), count > 1 ? count - 1 : 1,
+                      main->Minimum() - main->Maximum());
+    }
+    rtchart::FrameState frame = CaptureFrame();
+
+    // When points were only appended, just the columns they reach are drawn again. The band is
+    // drawn exactly as a full redraw draws those columns, so the picture is the same either way.
+    std::optional<rtchart::ColumnWindow> band;
+    if (m_painted->frame && frame.mapped &&
+        rtchart::CurrentPolylineMode() == rtchart::PolylineMode::PixelColumns) {
+        const std::optional<std::vector<rtchart::ChangedPoints>> changed =
+            rtchart::AppendedPoints(*m_painted->frame, frame);
+        if (changed && changed->empty()) {
+            return; // the picture shows this state already
+        }
+        if (changed) {
+            const int reach = rtchart::ShapeReach(*pic);
+            double low = std::numeric_limits<double>::infinity();
+            double high = -low;
+            for (const rtchart::ChangedPoints& points : *changed) {
+                low =
+                    std::min(low, (static_cast<double>(points.first) - frame.left) * frame.xFactor);
+                high =
+                    std::max(high, (static_cast<double>(points.last) - frame.left) * frame.xFactor);
+            }
+            const double width = frame.deviceSize.width();
+            low = std::floor(low) - reach;
+            high = std::floor(high) + reach;
+            // A band wider than half the plot costs about as much as the whole.
+            if (std::isfinite(low) && std::isfinite(high) && high - low < width / 2.0) {
+                band = rtchart::ColumnWindow{static_cast<int>(std::clamp(low, 0.0, width - 1.0)),
+                                             static_cast<int>(std::clamp(high, 0.0, width - 1.0))};
+            }
+        }
+    }
+    m_painted->frame = std::move(frame);
+    if (band) {
+        ++rtchart::Redraws().band;
+        pic->BeginColumnBand(band->first, band->last);
+        DrawPlot(&*band);
+        pic->EndColumnBand();
+    } else {
+        ++rtchart::Redraws().full;
+        DrawPlot(nullptr);
+    }
+}
+
+void RTChart::DrawPlot(const rtchart::ColumnWindow* pWindow) {
     pic->Cls();
     pic->SetDrawStyle(DrawingSurface::DrawStyle::Solid);
     const std::shared_ptr<Axis>& main = m_axes[0];
     if (!main) {
         return;
     }
-    // Point indexes across, the main axis up: series 0 sets the horizontal extent.
-    const std::int32_t count = m_seriesCount > 0 && m_series[0] ? m_series[0]->Count() : 0;
-    pic->SetScale(0.0, main->Maximum(), count > 1 ? count - 1 : 1,
-                  main->Minimum() - main->Maximum());
     DrawGrid();
     pic->SetForeColor(0);
     if (!m_dataChanged || m_seriesCount == 0) {
         return;
     }
 
+    const std::optional<rtchart::ColumnWindow> window =
+        pWindow != nullptr ? std::optional(*pWindow) : std::nullopt;
     const std::int32_t drawn = DrawnSeriesCount();
     for (std::int32_t i = 0; i < drawn; ++i) {
         const std::shared_ptr<Series>& series = m_series[static_cast<std::size_t>(i)];
@@ -233,9 +352,9 @@ void RTChart::DrawChart() {
             continue;
         }
         const std::size_t axis = series->DrawOnSecondaryAxis() ? 1 : 0;
-        rtchart::DrawSeries(*pic, *series, m_axes[axis].get());
+        rtchart::DrawSeries(*pic, *series, m_axes[axis].get(), window,
+                            &m_painted->columns[static_cast<std::size_t>(i)]);
     }
-
     if (m_lineShown && m_lineValue != kNoLine) {
         // The line is a value of the main axis, whichever axis the last series used.
         pic->SetScaleTop(main->Maximum());

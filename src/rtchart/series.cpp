@@ -82,6 +82,7 @@ void Series::Init(std::int32_t pCount, double pMinimum, double pMaximum, DataSet
             ChartError::IndexOutOfRange,
             QStringLiteral("A series cannot have a negative capacity (%1)").arg(pCount));
     }
+    ++m_revision;
     if (pSetType == DripFeed) {
         // One slot more than the capacity: the mirror slot of the ring.
         m_values.assign(static_cast<std::size_t>(pCount) + 1, 0.0);
@@ -111,10 +112,12 @@ void Series::AddPoint(double pValue) {
         m_values[0] = pValue;
     }
     m_dataReady = true;
+    ++m_pointsAdded;
 }
 
 void Series::SetData(std::span<const double> pValues) {
     const std::int32_t last = LastIndexOf(pValues);
+    ++m_revision;
     m_values.assign(pValues.begin(), pValues.end());
     m_valuesAllocated = true;
     m_lastPoint = last;
@@ -145,6 +148,7 @@ void Series::RemoveOriginalData() {
 }
 
 void Series::ClearData() {
+    ++m_revision;
     m_replacements.reset();
     m_indexes.clear();
     m_indexes.shrink_to_fit();
@@ -260,6 +264,7 @@ void Series::FromString(const QString& pText) {
 }
 
 void Series::ReadElement(const platform::XmlNode& pElement) {
+    ++m_revision;
     m_name = serialization::FromUtf8(pElement.AttributeValue(kName));
     m_minimum = serialization::ReadNumber(pElement.AttributeValue(kMin));
     m_maximum = serialization::ReadNumber(pElement.AttributeValue(kMax));

@@ -5,9 +5,14 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace trv5::rtchart {
 
@@ -54,15 +59,69 @@ PolylinePoints PointsOf(Series& pSeries) {
     return points;
 }
 
-void DrawMarkers(DrawingSurface& pSurface, Series& pSeries) {
+// Indexes first to last inclusive; empty when last < first.
+struct IndexRange {
+    std::int64_t first = 0;
+    std::int64_t last = -1;
+};
+
+// The indexes of 0 to pLast whose shapes can reach the window: every point within pReach columns
+// of it, and one more on each side, whose segment runs into that neighbourhood. A segment between
+// two points left (or right) of the neighbourhood cannot reach it, because the points run left to
+// right. Without a usable mapping the whole range is returned.
+IndexRange IndexesNear(const DrawingSurface::DeviceMapping& pMapping, std::int64_t pLast,
+                       const ColumnWindow& pWindow, int pReach) {
+    const IndexRange all{0, pLast};
+    if (pLast < 0 || !(pMapping.xFactor > 0.0) || !std::isfinite(pMapping.xFactor) ||
+        !std::isfinite(pMapping.left)) {
+        return all;
+    }
+    const auto column = [&](std::int64_t pIndex) {
+        return std::floor(pMapping.X(static_cast<double>(pIndex)));
+    };
+    const double low = static_cast<double>(pWindow.first) - pReach;
+    const double high = static_cast<double>(pWindow.last) + pReach;
+    const double lastIndex = static_cast<double>(pLast);
+    const double from = std::floor(low / pMapping.xFactor + pMapping.left) - 1.0;
+    const double to = std::ceil((high + 1.0) / pMapping.xFactor + pMapping.left) + 1.0;
+    if (!std::isfinite(from) || !std::isfinite(to)) {
+        return all;
+    }
+    // The estimates are off by a rounding at most; the exact placement decides.
+    auto first = static_cast<std::int64_t>(std::clamp(from, 0.0, lastIndex));
+    while (first > 0 && column(first) >= low) {
+        --first;
+    }
+    auto last = static_cast<std::int64_t>(std::clamp(to, 0.0, lastIndex));
+    while (last < pLast && column(last) <= high) {
+        ++last;
+    }
+    return {first, last};
+}
+
+IndexRange WindowRange(const DrawingSurface& pSurface, std::int64_t pLast,
+                       const std::optional<ColumnWindow>& pWindow) {
+    if (!pWindow) {
+        return {0, pLast};
+    }
+    const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping();
+    if (!mapping) {
+        return {0, pLast};
+    }
+    return IndexesNear(*mapping, pLast, *pWindow, ShapeReach(pSurface));
+}
+
+void DrawMarkers(DrawingSurface& pSurface, Series& pSeries,
+                 const std::optional<ColumnWindow>& pWindow) {
     const double w = pSurface.ScaleX(kMarkerPixels, DrawingSurface::ScaleMode::Pixel,
                                      DrawingSurface::ScaleMode::User);
     const double h = pSurface.ScaleY(kMarkerPixels, DrawingSurface::ScaleMode::Pixel,
                                      DrawingSurface::ScaleMode::User);
     pSurface.SetFillStyle(DrawingSurface::FillStyle::Solid);
     pSurface.SetFillColor(pSeries.Colour());
-    const std::int32_t count = pSeries.Count();
-    for (std::int32_t k = 0; k < count; ++k) {
+    const IndexRange range =
+        WindowRange(pSurface, static_cast<std::int64_t>(pSeries.Count()) - 1, pWindow);
+    for (auto k = static_cast<std::int32_t>(range.first); k <= range.last; ++k) {
         const double v = pSeries.GetValue(k);
         const double x = k;
         if (pSeries.Point() == ptSquare) {
@@ -110,7 +169,9 @@ public:
 
 private:
     DrawingSurface& m_surface;
-    std::array<DrawingSurface::CellLine, kBatch> m_lines{};
+    // Not cleared: only the first m_size entries are ever read, and clearing 128 KB for every
+    // series of every frame showed in the profile of a live run.
+    std::array<DrawingSurface::CellLine, kBatch> m_lines;
     std::size_t m_size = 0;
 };
 
@@ -121,7 +182,10 @@ private:
 // sides, as it removes both its segments from the plain rendering.
 class ColumnWalker {
 public:
-    explicit ColumnWalker(DrawingSurface& pSurface) : m_batch(pSurface) {}
+    // pCellExact: the pen is one device pixel wide, so a line between two cells covers only cells
+    // on the way between them (see Close).
+    ColumnWalker(DrawingSurface& pSurface, bool pCellExact)
+        : m_batch(pSurface), m_cellExact(pCellExact) {}
     ~ColumnWalker() { Close(); }
     ColumnWalker(const ColumnWalker&) = delete;
     ColumnWalker& operator=(const ColumnWalker&) = delete;
@@ -136,7 +200,13 @@ public:
                 Extend(pCellX, pCellY, pCellY);
             } else {
                 Close();
-                m_batch.Add(m_previousX, m_previousY, pCellX, pCellY);
+                const DrawingSurface::CellLine line{m_previousX, m_previousY, pCellX, pCellY};
+                if (m_cellExact && pCellX == m_previousX + 1.0) {
+                    m_pending = line;
+                    m_pendingFrom = m_closed;
+                } else {
+                    m_batch.Add(line.x1, line.y1, line.x2, line.y2);
+                }
             }
         } else {
             Close();
@@ -155,14 +225,36 @@ public:
         }
     }
 
+    // Ends the open column. A one-pixel line between neighbouring columns stays in those two
+    // columns and within a row of its end rows (its square caps reach half a pixel along it, and
+    // the rasterizer rounds an end that lands on a pixel edge either way); when both columns'
+    // strokes already cover those rows it adds no pixel, and in dense data that is most lines.
     void Close() {
+        std::optional<Rows> closed;
         if (m_open) {
             m_batch.Add(m_columnX, m_low, m_columnX, m_high);
+            closed = Rows{m_low, m_high};
             m_open = false;
         }
+        if (m_pending) {
+            const Rows needed{std::min(m_pending->y1, m_pending->y2) - 1.0,
+                              std::max(m_pending->y1, m_pending->y2) + 1.0};
+            if (!(m_pendingFrom && closed && m_pendingFrom->Covers(needed) &&
+                  closed->Covers(needed))) {
+                m_batch.Add(m_pending->x1, m_pending->y1, m_pending->x2, m_pending->y2);
+            }
+            m_pending.reset();
+        }
+        m_closed = closed;
     }
 
 private:
+    struct Rows {
+        double low;
+        double high;
+        bool Covers(const Rows& pOther) const { return low <= pOther.low && pOther.high <= high; }
+    };
+
     void Extend(double pCellX, double pLowY, double pHighY) {
         if (!m_open) {
             m_open = true;
@@ -180,6 +272,7 @@ private:
     }
 
     LineBatch m_batch;
+    bool m_cellExact;
     bool m_previousValid = false;
     double m_previousX = 0.0;
     double m_previousY = 0.0;
@@ -188,6 +281,13 @@ private:
     double m_columnX = 0.0;
     double m_low = 0.0;
     double m_high = 0.0;
+    // The rows the stroke of the column closed last covers, none when it had no stroke.
+    std::optional<Rows> m_closed;
+    // A line into the open column from its left neighbour, drawn when the open column closes
+    // unless the strokes of both columns already cover it; with the stroke of the column it
+    // came from.
+    std::optional<DrawingSurface::CellLine> m_pending;
+    std::optional<Rows> m_pendingFrom;
 };
 
 struct Cell {
@@ -225,45 +325,123 @@ std::int64_t LastInColumn(const DrawingSurface::DeviceMapping& pMapping, double 
     return last;
 }
 
-void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints) {
+struct Extremes {
+    double low;
+    double high;
+    bool nan; // some value is NaN; low and high then mean nothing
+};
+
+// The smallest and largest of pValues (not empty). This is where a bulk redraw spends its time,
+// so the scan keeps several independent minimum and maximum chains (two values wide where the
+// processor has SSE2) instead of one chain whose every step waits for the previous. Which of two
+// equal values is kept (0 and -0) does not matter: they map to the same row.
+Extremes ExtremesOf(std::span<const double> pValues) {
+    const double* values = pValues.data();
+    const std::size_t count = pValues.size();
+    double low = values[0];
+    double high = values[0];
+    bool nan = false;
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    if (count >= 8) {
+        __m128d low0 = _mm_set1_pd(low);
+        __m128d low1 = low0;
+        __m128d high0 = low0;
+        __m128d high1 = low0;
+        __m128d unordered = _mm_setzero_pd();
+        for (; i + 4 <= count; i += 4) {
+            const __m128d a = _mm_loadu_pd(values + i);
+            const __m128d b = _mm_loadu_pd(values + i + 2);
+            low0 = _mm_min_pd(low0, a);
+            low1 = _mm_min_pd(low1, b);
+            high0 = _mm_max_pd(high0, a);
+            high1 = _mm_max_pd(high1, b);
+            unordered =
+                _mm_or_pd(unordered, _mm_or_pd(_mm_cmpunord_pd(a, a), _mm_cmpunord_pd(b, b)));
+        }
+        alignas(16) double lows[2];
+        alignas(16) double highs[2];
+        _mm_store_pd(lows, _mm_min_pd(low0, low1));
+        _mm_store_pd(highs, _mm_max_pd(high0, high1));
+        low = std::min(lows[0], lows[1]);
+        high = std::max(highs[0], highs[1]);
+        nan = _mm_movemask_pd(unordered) != 0;
+    }
+#endif
+    for (; i < count; ++i) {
+        const double v = values[i];
+        low = v < low ? v : low;
+        high = v > high ? v : high;
+        nan |= v != v;
+    }
+    return {low, high, nan};
+}
+
+// Points pRange.first to pRange.last. Starting anywhere but at 0 draws the shapes of every column
+// after the first one's exactly as the full walk does: a column's shapes depend only on its own
+// points and the last point before it.
+void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints, IndexRange pRange,
+                      ColumnCache* pCache) {
     const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping();
-    if (!mapping || pPoints.last < 0) {
+    if (!mapping || pRange.last < pRange.first) {
         return;
     }
-    ColumnWalker walker(pSurface);
-    const Cell first = CellOf(*mapping, 0.0, pPoints.At(0));
+    ColumnWalker walker(pSurface, pSurface.DevicePenWidth() == 1);
+    const Cell first =
+        CellOf(*mapping, static_cast<double>(pRange.first), pPoints.At(pRange.first));
     walker.Start(first.x, first.y, first.valid);
+
+    // The summaries of a whole drawing are kept; pCache->columns[next] is the column at k.
+    std::vector<ColumnSummary>* cached =
+        pCache != nullptr && pRange.first == 0 ? &pCache->columns : nullptr;
+    std::size_t next = 0;
 
     // Columns are found by index when the points run left to right; otherwise, and for any
     // column holding a point that cannot be mapped, each point is stepped through on its own.
     const bool byColumn = mapping->xFactor > 0.0 && std::isfinite(mapping->xFactor) &&
-                          std::isfinite(mapping->X(static_cast<double>(pPoints.last)));
-    std::int64_t k = 0;
-    while (k <= pPoints.last) {
+                          std::isfinite(mapping->X(static_cast<double>(pRange.last)));
+    std::int64_t k = pRange.first;
+    while (k <= pRange.last) {
         const double x = mapping->X(static_cast<double>(k));
         if (!byColumn || !std::isfinite(x)) {
+            if (cached != nullptr) {
+                cached->resize(next);
+                cached = nullptr;
+            }
             const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
             walker.Step(cell.x, cell.y, cell.valid);
             ++k;
             continue;
         }
-        const double column = std::floor(x);
-        const std::int64_t end = LastInColumn(*mapping, column, k, pPoints.last);
-        double low = pPoints.At(k);
-        double high = low;
-        bool nan = false;
-        if (pPoints.ready) {
-            for (std::int64_t i = k; i <= end; ++i) {
-                const double v = pPoints.values[static_cast<std::size_t>(i)];
-                low = v < low ? v : low;
-                high = v > high ? v : high;
-                nan |= v != v;
+        ColumnSummary summary;
+        if (cached != nullptr && next < cached->size() && (*cached)[next].first == k &&
+            (*cached)[next].last <= pRange.last) {
+            summary = (*cached)[next++];
+        } else {
+            summary.column = std::floor(x);
+            summary.first = k;
+            summary.last = LastInColumn(*mapping, summary.column, k, pRange.last);
+            summary.firstValue = pPoints.At(k);
+            summary.lastValue = pPoints.At(summary.last);
+            Extremes extremes{summary.firstValue, summary.firstValue, false};
+            if (pPoints.ready) {
+                extremes = ExtremesOf(pPoints.values.subspan(
+                    static_cast<std::size_t>(k), static_cast<std::size_t>(summary.last - k + 1)));
+            }
+            summary.low = extremes.low;
+            summary.high = extremes.high;
+            summary.nan = extremes.nan;
+            if (cached != nullptr) {
+                cached->resize(next);
+                cached->push_back(summary);
+                ++next;
             }
         }
-        const double lowY = mapping->Y(low);
-        const double highY = mapping->Y(high);
-        if (nan || std::isnan(low) || !std::isfinite(lowY) || !std::isfinite(highY)) {
-            for (; k <= end; ++k) {
+        const double lowY = mapping->Y(summary.low);
+        const double highY = mapping->Y(summary.high);
+        if (summary.nan || std::isnan(summary.low) || !std::isfinite(lowY) ||
+            !std::isfinite(highY)) {
+            for (; k <= summary.last; ++k) {
                 const Cell cell = CellOf(*mapping, static_cast<double>(k), pPoints.At(k));
                 walker.Step(cell.x, cell.y, cell.valid);
             }
@@ -273,14 +451,18 @@ void DrawPixelColumns(DrawingSurface& pSurface, const PolylinePoints& pPoints) {
         // rows of the extreme values.
         const double rowA = std::floor(lowY);
         const double rowB = std::floor(highY);
-        walker.Column(column, std::floor(mapping->Y(pPoints.At(k))),
-                      std::floor(mapping->Y(pPoints.At(end))), std::min(rowA, rowB),
-                      std::max(rowA, rowB), end - k + 1);
-        k = end + 1;
+        walker.Column(summary.column, std::floor(mapping->Y(summary.firstValue)),
+                      std::floor(mapping->Y(summary.lastValue)), std::min(rowA, rowB),
+                      std::max(rowA, rowB), summary.last - k + 1);
+        k = summary.last + 1;
+    }
+    if (cached != nullptr) {
+        cached->resize(next);
     }
 }
 
-void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
+void DrawPolyline(DrawingSurface& pSurface, Series& pSeries,
+                  const std::optional<ColumnWindow>& pWindow, ColumnCache* pCache) {
     const bool dots = pSeries.Point() == ptDot;
     double dotRadius = 0.0;
     if (dots) {
@@ -299,9 +481,20 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
     }
     // Dots and lines share one colour, so drawing all lines first gives the same pixels as
     // interleaving them.
-    DrawPixelColumns(pSurface, points);
+    const IndexRange range = WindowRange(pSurface, points.last, pWindow);
+    // A band leaves the cache alone: it still describes the last full drawing, and the next one
+    // finds out what changed since.
+    ColumnCache* cache = pWindow ? nullptr : pCache;
+    if (cache != nullptr) {
+        if (const std::optional<DrawingSurface::DeviceMapping> mapping = pSurface.Mapping()) {
+            cache->Validate(pSeries, points.last, *mapping);
+        } else {
+            cache = nullptr;
+        }
+    }
+    DrawPixelColumns(pSurface, points, range, cache);
     if (dots) {
-        for (std::int64_t k = 0; k <= points.last; ++k) {
+        for (std::int64_t k = range.first; k <= range.last; ++k) {
             pSurface.Circle(static_cast<double>(k), points.At(k), dotRadius);
         }
     }
@@ -317,7 +510,54 @@ void SetPolylineMode(PolylineMode pMode) {
     g_polylineMode = pMode;
 }
 
-void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis) {
+int ShapeReach(const DrawingSurface& pSurface) {
+    // Half a marker, the pen and a rounding on each side.
+    return static_cast<int>(std::ceil((kMarkerPixels / 2.0 + 2.0) * pSurface.DevicePixelRatio())) +
+           1;
+}
+
+void ColumnCache::Validate(const Series& pSeries, std::int64_t pLast,
+                           const DrawingSurface::DeviceMapping& pMapping) {
+    const auto same = [](double pA, double pB) {
+        return std::bit_cast<std::uint64_t>(pA) == std::bit_cast<std::uint64_t>(pB);
+    };
+    const bool sameSeries = m_series == &pSeries && m_revision == pSeries.Revision() &&
+                            m_ready == pSeries.DataReady() && m_values == pSeries.Values().data() &&
+                            m_held == pSeries.Values().size() && same(m_left, pMapping.left) &&
+                            same(m_xFactor, pMapping.xFactor);
+    const std::uint64_t added = pSeries.PointsAdded() - m_added;
+    if (!sameSeries) {
+        columns.clear();
+    } else if (added != 0 || pSeries.LastPoint() != m_lastPoint) {
+        // Points appended since: the slots after the newest point then have changed, and the
+        // column that held it may have grown.
+        if (pSeries.LastPoint() > m_lastPoint &&
+            added == static_cast<std::uint64_t>(pSeries.LastPoint() - m_lastPoint)) {
+            const auto kept =
+                std::find_if(columns.begin(), columns.end(), [&](const ColumnSummary& pColumn) {
+                    return pColumn.last >= m_lastPoint;
+                });
+            columns.erase(kept, columns.end());
+        } else {
+            columns.clear();
+        }
+    } else if (pLast != m_last) {
+        columns.clear();
+    }
+    m_series = &pSeries;
+    m_revision = pSeries.Revision();
+    m_added = pSeries.PointsAdded();
+    m_lastPoint = pSeries.LastPoint();
+    m_ready = pSeries.DataReady();
+    m_values = pSeries.Values().data();
+    m_held = pSeries.Values().size();
+    m_left = pMapping.left;
+    m_xFactor = pMapping.xFactor;
+    m_last = pLast;
+}
+
+void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis,
+                const std::optional<ColumnWindow>& pWindow, ColumnCache* pCache) {
     if (pAxis == nullptr) {
         return;
     }
@@ -326,9 +566,9 @@ void DrawSeries(DrawingSurface& pSurface, Series& pSeries, const Axis* pAxis) {
         pSurface.SetScaleHeight(pAxis->Minimum() - pAxis->Maximum());
         pSurface.SetForeColor(pSeries.Colour());
         if (pSeries.DataType() == NonContinuous) {
-            DrawMarkers(pSurface, pSeries);
+            DrawMarkers(pSurface, pSeries, pWindow);
         } else {
-            DrawPolyline(pSurface, pSeries);
+            DrawPolyline(pSurface, pSeries, pWindow, pCache);
         }
     } catch (...) {
         // A series that cannot be drawn leaves what it drew and gives way to the next one.
