@@ -12,6 +12,8 @@ class QWidget;
 
 namespace trv5 {
 class BarChart;
+class BlockPanel;
+class BlockPanelSimple;
 class CLScatterPlot;
 class CurveFitting;
 class HostedChartFrame;
@@ -67,6 +69,10 @@ public:
     CurveFitting& Curve() const { return *m_curve; }
     CLScatterPlot& Classes() const { return *m_classes; }
     StackedDistributionChart& Stacked() const { return *m_stacked; }
+    // Variable usage across the last generation's population, and every record's predicted
+    // class.
+    BlockPanel& UsageBlocks() const { return *m_usageBlocks; }
+    BlockPanelSimple& Tapestry() const { return *m_tapestry; }
 
     // Every chart, in the order the window shows them.
     std::vector<ChartEntry> Entries() const;
@@ -90,6 +96,7 @@ private:
     RTChart* MakeProgress(QWidget* pParent) const;
     BarChart* MakeUsage(QWidget* pParent) const;
     BarChart* MakeGauge(QWidget* pParent, const QString& pName, std::int32_t pColour) const;
+    BlockPanel* MakeUsageBlocks(QWidget* pParent) const;
     void Replace(QWidget* pOld, QWidget* pNew, const QString& pName);
 
     RTChart* m_progress = nullptr;
@@ -102,6 +109,8 @@ private:
     CurveFitting* m_curve = nullptr;
     CLScatterPlot* m_classes = nullptr;
     StackedDistributionChart* m_stacked = nullptr;
+    BlockPanel* m_usageBlocks = nullptr;
+    BlockPanelSimple* m_tapestry = nullptr;
 };
 
 // Chart names used in project files and exports.
@@ -115,6 +124,8 @@ inline constexpr const char* kScatter = "scatter";
 inline constexpr const char* kCurve = "curvefitting";
 inline constexpr const char* kClasses = "clscatter";
 inline constexpr const char* kStacked = "stacked";
+inline constexpr const char* kUsageBlocks = "usageBlocks";
+inline constexpr const char* kTapestry = "tapestry";
 } // namespace chartname
 
 } // namespace trv5::gallery
