@@ -672,4 +672,14 @@ TEST(BlockPanelSimpleDrawing, ResizeLaysTheGridOutAgain) {
     EXPECT_EQ(t.pic->Raster().width(), 400);
     EXPECT_EQ(t.At(350, 50), ColorConverter::RGBToLong(10, 200, 20)); // one row of four
     EXPECT_EQ(t.TipAt(250, 50), QStringLiteral("Record 3 (1)"));
+
+    // A control that was never shown gets no resize events, and draws at its size all the same.
+    BlockPanel hidden;
+    hidden.resize(100 + 2 * kInset, 50 + 2 * kInset);
+    hidden.SetChartMode(trv5::umMonochromatic);
+    hidden.SetUsage(std::vector<std::int32_t>{1, 1});
+    hidden.Redraw();
+    const auto* pic = hidden.findChild<DrawingSurface*>(QStringLiteral("pic"));
+    ASSERT_EQ(pic->Raster().size(), QSize(100, 50));
+    EXPECT_EQ(PixelAt(pic->Raster(), 99, 49), hidden.BlockColour());
 }

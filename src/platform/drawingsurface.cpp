@@ -725,12 +725,12 @@ void DrawingSurface::PutDeviceRows(int pLeft, int pTop, int pRows,
     // colour, so the last conversion is kept.
     auto* row = reinterpret_cast<QRgb*>(m_raster.scanLine(static_cast<int>(top)));
     std::int32_t lastColour = pColours[static_cast<std::size_t>(first - left)];
-    QRgb lastRgb = ToQColor(lastColour).rgb();
+    QRgb lastRgb = ToQRgb(lastColour);
     for (std::int64_t x = first; x < last; ++x) {
         const std::int32_t colour = pColours[static_cast<std::size_t>(x - left)];
         if (colour != lastColour) {
             lastColour = colour;
-            lastRgb = ToQColor(colour).rgb();
+            lastRgb = ToQRgb(colour);
         }
         row[x] = lastRgb;
     }

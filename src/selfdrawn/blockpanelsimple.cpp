@@ -85,7 +85,7 @@ void BlockPanelSimple::SetData(std::span<const std::int32_t> pClasses,
 
 void BlockPanelSimple::ResetSize() {
     m_drawn = false;
-    const QSize size = m_view->Pic().DeviceSize();
+    const QSize size = m_view->PictureSize();
     *m_grid = blocks::BlockGrid(size.width(), size.height(), RecordCount(),
                                 blocks::GapsWanted(RecordCount()));
 }

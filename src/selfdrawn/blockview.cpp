@@ -94,7 +94,13 @@ void BlockView::LayOut() {
         m_owner.rect().adjusted(kPictureInset, kPictureInset, -kPictureInset, -kPictureInset));
 }
 
+QSize BlockView::PictureSize() {
+    LayOut();
+    return m_pic->DeviceSize();
+}
+
 QSize BlockView::StartDrawing() {
+    LayOut();
     m_surface->Cls();
     m_surface->SetForeColor(kGreyText);
     m_surface->RoundRect(0.0, 0.0, m_surface->ScaleWidth(), m_surface->ScaleHeight(), kFrameCorner,

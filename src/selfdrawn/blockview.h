@@ -39,6 +39,9 @@ public:
 
     // Places the surface over the whole owner and the picture inside the frame.
     void LayOut();
+    // The picture's size in device pixels, laid out for the owner's size first: a hidden owner
+    // gets no resize events, and it can be drawn (and copied) all the same.
+    QSize PictureSize();
     // A fresh surface with the frame, and a cleared picture; returns the picture's size in
     // device pixels.
     QSize StartDrawing();
