@@ -91,23 +91,6 @@ std::vector<std::int32_t> Counts(int pColumns) {
     return counts;
 }
 
-// Answers the print dialog with one copy to a PDF file.
-class PdfDialog : public trv5::IPrintDialog {
-public:
-    explicit PdfDialog(QString pFile) : m_file(std::move(pFile)) {}
-    bool Exec(trv5::PrintSettings& pSettings) override {
-        ++shown;
-        pSettings.copies = 1;
-        pSettings.outputFile = m_file;
-        return !cancel;
-    }
-    int shown = 0;
-    bool cancel = false;
-
-private:
-    QString m_file;
-};
-
 } // namespace
 
 // ---- drawing ----
@@ -412,7 +395,7 @@ TEST(BarChartCopy, MenuCopiesAndPrintsThePictureAndOpensOnlyWhenAllowed) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QString file = dir.filePath(QStringLiteral("bars.pdf"));
-    auto dialog = std::make_shared<PdfDialog>(file);
+    auto dialog = std::make_shared<trv5::test::PdfDialog>(file);
     c.chart.SetPrintDialog(dialog);
     dialog->cancel = true;
     c.MenuItem(3)->trigger();

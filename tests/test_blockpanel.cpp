@@ -117,22 +117,6 @@ Reference BruteForce(std::int64_t pWidth, std::int64_t pHeight, std::int64_t pCo
     return best;
 }
 
-// Answers the print dialog with one copy to a PDF file.
-class PdfDialog : public trv5::IPrintDialog {
-public:
-    explicit PdfDialog(QString pFile) : m_file(std::move(pFile)) {}
-    bool Exec(trv5::PrintSettings& pSettings) override {
-        ++shown;
-        pSettings.copies = 1;
-        pSettings.outputFile = m_file;
-        return true;
-    }
-    int shown = 0;
-
-private:
-    QString m_file;
-};
-
 } // namespace
 
 // ---- the grid ----
@@ -464,7 +448,7 @@ TEST(BlockPanelMenu, CopiesAndPrintsThePictureAndOpensOnlyWhenAllowed) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QString file = dir.filePath(QStringLiteral("blocks.pdf"));
-    auto dialog = std::make_shared<PdfDialog>(file);
+    auto dialog = std::make_shared<trv5::test::PdfDialog>(file);
     p.control.SetPrintDialog(dialog);
     p.MenuItem(trv5::pmiPrint)->trigger();
     EXPECT_EQ(dialog->shown, 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
 #include <trv5charts/hostsettings.h>
 
@@ -39,6 +40,23 @@ public:
     explicit MapConfig(QVariantMap pSettings) : settings(std::move(pSettings)) {}
     QVariantMap Settings() const override { return settings; }
     QVariantMap settings;
+};
+
+// Answers the print dialog with one copy to a PDF file, or with a cancel.
+class PdfDialog : public IPrintDialog {
+public:
+    explicit PdfDialog(QString pFile) : m_file(std::move(pFile)) {}
+    bool Exec(PrintSettings& pSettings) override {
+        ++shown;
+        pSettings.copies = 1;
+        pSettings.outputFile = m_file;
+        return !cancel;
+    }
+    int shown = 0;
+    bool cancel = false;
+
+private:
+    QString m_file;
 };
 
 inline QLocale German() {

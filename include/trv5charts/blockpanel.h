@@ -127,12 +127,12 @@ public:
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
-    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
     void Draw();
     void ClearPicture() noexcept;
-    void UpdateToolTip(const QPointF& pPosition);
+    // The tool tip over a device pixel of the picture.
+    QString ToolTipAt(int pX, int pY) const;
     void WriteState(std::string& pOut) const;
     void ReadState(const platform::XmlDocument& pDocument);
 

@@ -107,12 +107,12 @@ public:
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
-    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
     void Draw();
     void ClearPicture() noexcept;
-    void UpdateToolTip(const QPointF& pPosition);
+    // The tool tip over a device pixel of the picture.
+    QString ToolTipAt(int pX, int pY) const;
     std::int32_t ColourOf(std::int32_t pClass) const;
 
     std::unique_ptr<blocks::BlockView> m_view;

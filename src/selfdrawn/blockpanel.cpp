@@ -13,7 +13,6 @@
 #include <trv5charts/localizationlib.h>
 
 #include <QContextMenuEvent>
-#include <QMouseEvent>
 #include <QResizeEvent>
 
 #include <algorithm>
@@ -67,11 +66,10 @@ private:
 } // namespace
 
 BlockPanel::BlockPanel(QWidget* pParent)
-    : QWidget(pParent),
-      m_view(std::make_unique<blocks::BlockView>(*this, [this] { return GetChartDataAsString(); })),
-      m_grid(std::make_unique<blocks::BlockGrid>()) {
-    m_view->Pic().installEventFilter(this);
-}
+    : QWidget(pParent), m_view(std::make_unique<blocks::BlockView>(
+                            *this, [this] { return GetChartDataAsString(); },
+                            [this](int pX, int pY) { return ToolTipAt(pX, pY); })),
+      m_grid(std::make_unique<blocks::BlockGrid>()) {}
 
 BlockPanel::~BlockPanel() = default;
 
@@ -216,28 +214,16 @@ void BlockPanel::resizeEvent(QResizeEvent* pEvent) {
 
 // ---- tool tip ----
 
-bool BlockPanel::eventFilter(QObject* pWatched, QEvent* pEvent) {
-    if (pWatched == &m_view->Pic() && pEvent->type() == QEvent::MouseMove) {
-        UpdateToolTip(static_cast<QMouseEvent*>(pEvent)->position());
+QString BlockPanel::ToolTipAt(int pX, int pY) const {
+    const auto item = blocks::ItemAt(*m_grid, pX, pY, [this](std::int64_t pItem) {
+        return m_counts[static_cast<std::size_t>(pItem)];
+    });
+    // The counts may have been replaced since the drawing.
+    if (!item || *item >= ItemCount()) {
+        return {};
     }
-    return QWidget::eventFilter(pWatched, pEvent);
-}
-
-void BlockPanel::UpdateToolTip(const QPointF& pPosition) {
-    QString tip;
-    const auto pixel = m_view->DevicePixel(pPosition);
-    if (pixel) {
-        const auto item =
-            blocks::ItemAt(*m_grid, pixel->first, pixel->second, [this](std::int64_t pItem) {
-                return m_counts[static_cast<std::size_t>(pItem)];
-            });
-        // The counts may have been replaced since the drawing.
-        if (item && *item < ItemCount()) {
-            tip = QLatin1Char(' ') + ItemName(*item) + QStringLiteral(": ") +
-                  QString::number(m_counts[static_cast<std::size_t>(*item)]) + QLatin1Char(' ');
-        }
-    }
-    m_view->Pic().SetToolTipText(tip);
+    return QLatin1Char(' ') + ItemName(*item) + QStringLiteral(": ") +
+           QString::number(m_counts[static_cast<std::size_t>(*item)]) + QLatin1Char(' ');
 }
 
 // ---- menu ----

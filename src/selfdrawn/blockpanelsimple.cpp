@@ -10,7 +10,6 @@
 #include <trv5charts/hostsettings.h>
 
 #include <QContextMenuEvent>
-#include <QMouseEvent>
 #include <QResizeEvent>
 
 namespace trv5 {
@@ -32,11 +31,10 @@ std::int64_t Weight(std::int32_t pClass) {
 } // namespace
 
 BlockPanelSimple::BlockPanelSimple(QWidget* pParent)
-    : QWidget(pParent),
-      m_view(std::make_unique<blocks::BlockView>(*this, [this] { return GetChartDataAsString(); })),
-      m_grid(std::make_unique<blocks::BlockGrid>()) {
-    m_view->Pic().installEventFilter(this);
-}
+    : QWidget(pParent), m_view(std::make_unique<blocks::BlockView>(
+                            *this, [this] { return GetChartDataAsString(); },
+                            [this](int pX, int pY) { return ToolTipAt(pX, pY); })),
+      m_grid(std::make_unique<blocks::BlockGrid>()) {}
 
 BlockPanelSimple::~BlockPanelSimple() = default;
 
@@ -157,32 +155,23 @@ void BlockPanelSimple::resizeEvent(QResizeEvent* pEvent) {
 
 // ---- tool tip ----
 
-bool BlockPanelSimple::eventFilter(QObject* pWatched, QEvent* pEvent) {
-    if (pWatched == &m_view->Pic() && pEvent->type() == QEvent::MouseMove) {
-        UpdateToolTip(static_cast<QMouseEvent*>(pEvent)->position());
+QString BlockPanelSimple::ToolTipAt(int pX, int pY) const {
+    if (!m_drawn) {
+        return {};
     }
-    return QWidget::eventFilter(pWatched, pEvent);
-}
-
-void BlockPanelSimple::UpdateToolTip(const QPointF& pPosition) {
-    QString tip;
-    const auto pixel = m_view->DevicePixel(pPosition);
-    if (m_drawn && pixel) {
-        const auto item =
-            blocks::ItemAt(*m_grid, pixel->first, pixel->second, [this](std::int64_t pItem) {
-                return Weight(m_classes[static_cast<std::size_t>(pItem)]);
-            });
-        if (item) {
-            const auto index = static_cast<std::size_t>(*item);
-            const std::int32_t recordClass = m_classes[index];
-            const QString outcome = recordClass == kHigh || recordClass == kLow
-                                        ? QString::number(recordClass)
-                                        : QStringLiteral("no outcome");
-            tip = QStringLiteral("Record ") + QString::number(m_recordIds[index]) +
-                  QStringLiteral(" (") + outcome + QLatin1Char(')');
-        }
+    const auto item = blocks::ItemAt(*m_grid, pX, pY, [this](std::int64_t pItem) {
+        return Weight(m_classes[static_cast<std::size_t>(pItem)]);
+    });
+    if (!item) {
+        return {};
     }
-    m_view->Pic().SetToolTipText(tip);
+    const auto index = static_cast<std::size_t>(*item);
+    const std::int32_t recordClass = m_classes[index];
+    const QString outcome = recordClass == kHigh || recordClass == kLow
+                                ? QString::number(recordClass)
+                                : QStringLiteral("no outcome");
+    return QStringLiteral("Record ") + QString::number(m_recordIds[index]) + QStringLiteral(" (") +
+           outcome + QLatin1Char(')');
 }
 
 // ---- menu ----

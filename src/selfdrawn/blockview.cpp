@@ -9,6 +9,7 @@
 #include <trv5charts/variantconvert.h>
 
 #include <QContextMenuEvent>
+#include <QMouseEvent>
 #include <QWidget>
 
 #include <cmath>
@@ -26,10 +27,31 @@ constexpr std::int32_t kWhite = 0xFFFFFF;
 constexpr int kFrameCorner = 8;
 constexpr int kPictureInset = 3;
 
+// Hands the picture's mouse moves to a callback.
+class MouseMoves final : public QObject {
+public:
+    MouseMoves(QObject& pWatched, std::function<void(const QPointF&)> pMoved)
+        : QObject(&pWatched), m_moved(std::move(pMoved)) {
+        pWatched.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override {
+        if (pEvent->type() == QEvent::MouseMove) {
+            m_moved(static_cast<QMouseEvent*>(pEvent)->position());
+        }
+        return QObject::eventFilter(pWatched, pEvent);
+    }
+
+private:
+    std::function<void(const QPointF&)> m_moved;
+};
+
 } // namespace
 
-BlockView::BlockView(QWidget& pOwner, std::function<QString()> pDataText)
-    : m_owner(pOwner), m_dataText(std::move(pDataText)),
+BlockView::BlockView(QWidget& pOwner, std::function<QString()> pDataText,
+                     std::function<QString(int, int)> pToolTipAt)
+    : m_owner(pOwner), m_dataText(std::move(pDataText)), m_toolTipAt(std::move(pToolTipAt)),
       m_surface(new platform::DrawingSurface(&pOwner)),
       m_pic(new platform::DrawingSurface(&pOwner)), m_menu(new platform::ChartMenu(&pOwner)) {
     m_surface->setObjectName(QStringLiteral("surface"));
@@ -40,6 +62,7 @@ BlockView::BlockView(QWidget& pOwner, std::function<QString()> pDataText)
     m_pic->raise();
     // The tool tip follows the mouse without a button pressed.
     m_pic->setMouseTracking(true);
+    new MouseMoves(*m_pic, [this](const QPointF& pPosition) { UpdateToolTip(pPosition); });
     // Reachable from the keyboard, so that the menu key opens the context menu.
     pOwner.setFocusPolicy(Qt::StrongFocus);
 
@@ -126,6 +149,11 @@ std::optional<std::pair<int, int>> BlockView::DevicePixel(const QPointF& pPositi
         return std::nullopt;
     }
     return std::pair<int, int>(static_cast<int>(x), static_cast<int>(y));
+}
+
+void BlockView::UpdateToolTip(const QPointF& pPosition) {
+    const auto pixel = DevicePixel(pPosition);
+    m_pic->SetToolTipText(pixel ? m_toolTipAt(pixel->first, pixel->second) : QString());
 }
 
 void BlockView::OpenMenu(const QContextMenuEvent& pEvent) {

@@ -29,8 +29,10 @@ namespace trv5::blocks {
 // here.
 class BlockView {
 public:
-    // pDataText gives the text of "Copy Chart Data"; an empty text copies nothing.
-    BlockView(QWidget& pOwner, std::function<QString()> pDataText);
+    // pDataText gives the text of "Copy Chart Data" (an empty text copies nothing); pToolTipAt
+    // the picture's tool tip over a device pixel, which follows the mouse.
+    BlockView(QWidget& pOwner, std::function<QString()> pDataText,
+              std::function<QString(int, int)> pToolTipAt);
     BlockView(const BlockView&) = delete;
     BlockView& operator=(const BlockView&) = delete;
 
@@ -47,8 +49,6 @@ public:
     QSize StartDrawing();
     // Wipes the picture; never throws (it is the last resort of every failure).
     void ClearPicture() noexcept;
-    // The picture's device pixel under a position in the picture's widget coordinates.
-    std::optional<std::pair<int, int>> DevicePixel(const QPointF& pPosition) const;
     void OpenMenu(const QContextMenuEvent& pEvent);
 
     // The menu's commands.
@@ -61,9 +61,13 @@ public:
 
 private:
     void OnMenu(int pIndex);
+    void UpdateToolTip(const QPointF& pPosition);
+    // The picture's device pixel under a position in the picture's widget coordinates.
+    std::optional<std::pair<int, int>> DevicePixel(const QPointF& pPosition) const;
 
     QWidget& m_owner;
     std::function<QString()> m_dataText;
+    std::function<QString(int, int)> m_toolTipAt;
     platform::DrawingSurface* m_surface;
     platform::DrawingSurface* m_pic;
     platform::ChartMenu* m_menu;
