@@ -422,22 +422,8 @@ TEST(BlockPanelMenu, CopiesAndPrintsThePictureAndOpensOnlyWhenAllowed) {
     p.control.SetChartMode(trv5::umMonochromatic);
     p.control.SetUsage(std::vector<std::int32_t>{1, 2});
     p.control.Redraw();
-    auto* menu = p.control.findChild<QMenu*>(QStringLiteral("ctxMain"));
+    QMenu* menu = trv5::test::CheckCopyPrintMenu(p.control);
     ASSERT_NE(menu, nullptr);
-    QStringList captions;
-    for (QAction* action : menu->actions()) {
-        captions << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    }
-    EXPECT_EQ(captions, (QStringList{"Copy Chart", "Copy Chart Data", "-", "Print"}));
-
-    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5),
-                          p.control.mapToGlobal(QPoint(5, 5)));
-    p.control.SetShowCopyPrint(false);
-    QCoreApplication::sendEvent(&p.control, &key);
-    EXPECT_FALSE(menu->isVisible());
-    p.control.SetShowCopyPrint(true);
-    QCoreApplication::sendEvent(&p.control, &key);
-    EXPECT_TRUE(menu->isVisible());
 
     p.MenuItem(trv5::pmiCopy)->trigger();
     EXPECT_FALSE(menu->isVisible());
