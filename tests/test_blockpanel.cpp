@@ -211,7 +211,9 @@ TEST(BlockPanelDrawing, ColoursByModeReadBackFromThePicture) {
     EXPECT_EQ(p.At(250, 10), Hsb(4 * 137 % 360, 55 + 4 * 29 % 46, 70 + 4 * 17 % 31));
 
     p.control.SetChartMode(trv5::umMonochromatic);
-    p.control.SetBlockColour(0x2050C0);
+    // The colour as Qt Designer edits it is the same integer colour.
+    p.control.setProperty("blockColour", QColor(0xC0, 0x50, 0x20));
+    EXPECT_EQ(p.control.BlockColour(), 0x2050C0);
     p.control.Redraw();
     EXPECT_EQ(p.At(10, 10), kWhite);
     EXPECT_EQ(p.At(130, 50), 0x2050C0);

@@ -3,6 +3,7 @@
 #include <trv5charts/isimpleserializable.h>
 #include <trv5charts/popupmenuitem.h>
 
+#include <QColor>
 #include <QString>
 #include <QWidget>
 
@@ -50,7 +51,9 @@ class BlockPanel : public QWidget, public ISimpleSerializable {
     Q_OBJECT
     Q_PROPERTY(bool ShowCopyPrint READ ShowCopyPrint WRITE SetShowCopyPrint)
     Q_PROPERTY(QString DataPointName READ DataPointName WRITE SetDataPointName)
-    Q_PROPERTY(int BlockColour READ BlockColour WRITE SetBlockColour)
+    // The integer colour is the hosts'; form designers edit the same colour as a QColor.
+    Q_PROPERTY(int BlockColour READ BlockColour WRITE SetBlockColour DESIGNABLE false)
+    Q_PROPERTY(QColor blockColour READ BlockQColor WRITE SetBlockQColor)
 
 public:
     explicit BlockPanel(QWidget* pParent = nullptr);
@@ -67,6 +70,8 @@ public:
     // The colour of umMonochromatic, 0x00BBGGRR.
     std::int32_t BlockColour() const { return m_blockColour; }
     void SetBlockColour(std::int32_t pValue) { m_blockColour = pValue; }
+    QColor BlockQColor() const;
+    void SetBlockQColor(const QColor& pColour);
 
     UsageMode ChartMode() const { return m_mode; }
     // Stores the mode and its absent colour: white for umHeatMap and umMonochromatic without

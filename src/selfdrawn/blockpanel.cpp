@@ -1,6 +1,7 @@
 #include <trv5charts/blockpanel.h>
 
 #include "platform/chartmenu.h"
+#include "platform/colour.h"
 #include "platform/drawingsurface.h"
 #include "selfdrawn/blockgrid.h"
 #include "selfdrawn/blockpaint.h"
@@ -84,6 +85,15 @@ void BlockPanel::SetChartMode(UsageMode pMode) {
     const std::int32_t absent = blocks::AbsentColourOfMode(pMode);
     m_mode = pMode;
     m_absentColour = absent;
+}
+
+QColor BlockPanel::BlockQColor() const {
+    return platform::ToQColor(m_blockColour);
+}
+
+void BlockPanel::SetBlockQColor(const QColor& pColour) {
+    const QColor rgb = pColour.toRgb();
+    m_blockColour = ColorConverter::RGBToLong(rgb.red(), rgb.green(), rgb.blue());
 }
 
 QString BlockPanel::ItemName(std::int64_t pIndex) const {
