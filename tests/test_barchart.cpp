@@ -91,23 +91,6 @@ std::vector<std::int32_t> Counts(int pColumns) {
     return counts;
 }
 
-// Answers the print dialog with one copy to a PDF file.
-class PdfDialog : public trv5::IPrintDialog {
-public:
-    explicit PdfDialog(QString pFile) : m_file(std::move(pFile)) {}
-    bool Exec(trv5::PrintSettings& pSettings) override {
-        ++shown;
-        pSettings.copies = 1;
-        pSettings.outputFile = m_file;
-        return !cancel;
-    }
-    int shown = 0;
-    bool cancel = false;
-
-private:
-    QString m_file;
-};
-
 } // namespace
 
 // ---- drawing ----
@@ -385,22 +368,8 @@ TEST(BarChartCopy, MenuCopiesAndPrintsThePictureAndOpensOnlyWhenAllowed) {
     c.chart.SetLongData(Counts(20));
     c.chart.Redraw();
 
-    auto* menu = c.chart.findChild<QMenu*>(QStringLiteral("ctxMain"));
+    QMenu* menu = trv5::test::CheckCopyPrintMenu(c.chart);
     ASSERT_NE(menu, nullptr);
-    QStringList captions;
-    for (QAction* action : menu->actions()) {
-        captions << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    }
-    EXPECT_EQ(captions, (QStringList{"Copy Chart", "Copy Chart Data", "-", "Print"}));
-
-    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5),
-                          c.chart.mapToGlobal(QPoint(5, 5)));
-    c.chart.SetShowCopyPrint(false);
-    QCoreApplication::sendEvent(&c.chart, &key);
-    EXPECT_FALSE(menu->isVisible());
-    c.chart.SetShowCopyPrint(true);
-    QCoreApplication::sendEvent(&c.chart, &key);
-    EXPECT_TRUE(menu->isVisible());
 
     c.MenuItem(0)->trigger();
     EXPECT_FALSE(menu->isVisible());
@@ -412,7 +381,7 @@ TEST(BarChartCopy, MenuCopiesAndPrintsThePictureAndOpensOnlyWhenAllowed) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QString file = dir.filePath(QStringLiteral("bars.pdf"));
-    auto dialog = std::make_shared<PdfDialog>(file);
+    auto dialog = std::make_shared<trv5::test::PdfDialog>(file);
     c.chart.SetPrintDialog(dialog);
     dialog->cancel = true;
     c.MenuItem(3)->trigger();

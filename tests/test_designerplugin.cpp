@@ -135,6 +135,8 @@ TEST(DesignerPlugin, EveryControlIsMadeByThePluginAndFromItsWidgetBoxEntry) {
         EXPECT_FALSE(dropped->objectName().isEmpty());
     }
     EXPECT_TRUE(names.contains(QStringLiteral("trv5::RTChart")));
+    EXPECT_TRUE(names.contains(QStringLiteral("trv5::BlockPanel")));
+    EXPECT_TRUE(names.contains(QStringLiteral("trv5::BlockPanelSimple")));
 }
 
 TEST(DesignerPlugin, EveryDesignTimePropertyIsSavedInTheUiFileAndRestored) {

@@ -4,11 +4,14 @@
 #include "ui/chartboard.h"
 #include "ui/chartexport.h"
 #include "ui/controlpanel.h"
+#include "ui/gallerysettings.h"
 #include "ui/gallerywindow.h"
 #include "ui/headless.h"
 #include "ui/runsession.h"
 
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/curvefitting.h>
 #include <trv5charts/hostsettings.h>
@@ -20,6 +23,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDoubleSpinBox>
 #include <QEventLoop>
@@ -127,7 +131,7 @@ TEST(Gallery, HeadlessModeWritesEveryChartsPictureDataAndState) {
     // The names and sizes come from the window's own chart list.
     GalleryWindow window;
     const std::vector<ChartEntry> charts = window.Board().Entries();
-    ASSERT_EQ(charts.size(), 9U);
+    ASSERT_EQ(charts.size(), 11U);
     const QMap<QString, QString> headers = {
         {QStringLiteral("progress"),
          QStringLiteral("Generation\tBest fitness\tAverage fitness\tValidation fitness")},
@@ -139,7 +143,9 @@ TEST(Gallery, HeadlessModeWritesEveryChartsPictureDataAndState) {
          QStringLiteral("Target\tModel output\tThreshold\tMisclassifications")},
         {QStringLiteral("clscatter"), QStringLiteral("Record ID\tModel\tDummy Variable\tType")},
         {QStringLiteral("scatter"), QStringLiteral("Record ID\tModel output\tTarget")},
-        {QStringLiteral("stacked"), QStringLiteral("Record ID\tDummyVar\tTarget")}};
+        {QStringLiteral("stacked"), QStringLiteral("Record ID\tDummyVar\tTarget")},
+        {QStringLiteral("usageBlocks"), QStringLiteral("Item\tIndividuals")},
+        {QStringLiteral("tapestry"), QStringLiteral("Record ID\tClass")}};
     for (const ChartEntry& chart : charts) {
         SCOPED_TRACE(chart.name.toStdString());
         const QString base = directory.filePath(chart.name);
@@ -171,9 +177,17 @@ TEST(Gallery, HeadlessModeWritesEveryChartsPictureDataAndState) {
     const auto project = trv5::gallery::ProjectFile::Load(
         directory.filePath(QString::fromLatin1(trv5::gallery::headless::kProjectFileName)));
     EXPECT_EQ(project.Settings().PaceMilliseconds, 0);
-    EXPECT_EQ(project.Charts().size(), 4U);
+    EXPECT_EQ(project.Charts().size(), 5U);
     EXPECT_EQ(project.Chart(QStringLiteral("usage")),
               QString::fromUtf8(ReadAll(directory.filePath("usage.xml"))));
+    EXPECT_EQ(project.Chart(QStringLiteral("usageBlocks")),
+              QString::fromUtf8(ReadAll(directory.filePath("usageBlocks.xml"))));
+    // One block per variable of the data set, one tapestry line per record.
+    EXPECT_TRUE(project.Chart(QStringLiteral("usageBlocks"))
+                    .startsWith(QStringLiteral("<BlockPanel chartmode='0' count='30'>")));
+    EXPECT_EQ(QString::fromUtf8(ReadAll(directory.filePath("tapestry.txt")))
+                  .count(QStringLiteral("\r\n")),
+              569);
 
     // A directory that cannot be made fails with a message.
     const QString blocked = directory.filePath("usage.txt") + QStringLiteral("/charts");
@@ -199,6 +213,7 @@ TEST(Gallery, SavingAnOpenedProjectWritesTheSameBytes) {
     reopened.OpenProject(first);
     reopened.SaveProject(second);
     EXPECT_EQ(ReadAll(second), ReadAll(first));
+    EXPECT_EQ(reopened.Board().UsageBlocks().ItemCount(), 30);
     // The charts were really restored, not passed through.
     EXPECT_EQ(reopened.Board().Progress().GetChartDataAsString(), progressData);
     EXPECT_EQ(reopened.Board().Usage().DoubleData().size(), 30U);
@@ -237,8 +252,15 @@ TEST(Gallery, ThresholdMovesTheOutcomesAndChartsFollow) {
     EXPECT_EQ(outcomes.count(QStringLiteral("\tFP\r\n")), results->Confusion().FalsePositives);
     EXPECT_EQ(window.Board().Classes().RoundingThreshold(), 0.0);
 
+    // The tapestry follows: every record is predicted high.
+    const QString classes = window.Board().Tapestry().GetChartDataAsString();
+    EXPECT_EQ(classes.count(QStringLiteral("\t1")), results->RecordCount());
+
     threshold->setValue(0.5);
     EXPECT_GT(results->Confusion().TrueNegatives, 300);
+    const QString atHalf = window.Board().Tapestry().GetChartDataAsString();
+    EXPECT_EQ(atHalf.count(QStringLiteral("\t0")),
+              results->Confusion().TrueNegatives + results->Confusion().FalseNegatives);
     EXPECT_EQ(window.Board().Classes().GetChartDataAsString().count(QStringLiteral("\tTN\r\n")),
               results->Confusion().TrueNegatives);
     trv5::Globals::StoreConfig(nullptr);
@@ -686,4 +708,53 @@ TEST(Gallery, PrintFailuresOfEveryKindOfChartAreToldToTheUser) {
     window.Board().Progress().findChildren<QAction*>(QStringLiteral("mnuMain"))[3]->trigger();
     ASSERT_EQ(told.size(), 1);
     EXPECT_TRUE(told.front().contains(QStringLiteral("/nonexistent-folder/chart.pdf")));
+}
+
+TEST(Gallery, UsageModeIsTheUsersChoiceAndAProjectKeepsIt) {
+    trv5::Globals::StoreConfig(std::make_shared<Margin>());
+    QTemporaryDir directory;
+    const QString file = directory.filePath("modes.trv5gallery");
+    {
+        GalleryWindow window;
+        RunToEnd(window);
+        auto* mode = window.findChild<QComboBox*>(QStringLiteral("cboUsageMode"));
+        ASSERT_NE(mode, nullptr);
+        EXPECT_EQ(window.Board().UsageBlocks().ChartMode(), trv5::umHeatMap);
+        mode->setCurrentIndex(1);
+        EXPECT_EQ(window.Board().UsageBlocks().ChartMode(), trv5::umRandomColour);
+        window.SaveProject(file);
+    }
+    GalleryWindow reopened;
+    reopened.OpenProject(file);
+    EXPECT_EQ(reopened.Board().UsageBlocks().ChartMode(), trv5::umRandomColour);
+    EXPECT_EQ(reopened.findChild<QComboBox*>(QStringLiteral("cboUsageMode"))->currentIndex(), 1);
+    trv5::Globals::StoreConfig(nullptr);
+}
+
+TEST(Gallery, SettingsFileHoldsEveryKeyAndAnIncompleteOneIsRefused) {
+    // The shipped defaults answer every key the charts read.
+    const auto defaults = trv5::gallery::settings::Load(QString());
+    const QVariantMap values = defaults->Settings();
+    for (const QString& key : trv5::gallery::settings::RequiredKeys()) {
+        EXPECT_TRUE(values.contains(key)) << key.toStdString();
+    }
+    EXPECT_EQ(trv5::gallery::settings::RequiredKeys().size(), 21);
+
+    QTemporaryDir directory;
+    const QString incomplete = directory.filePath("incomplete.ini");
+    QFile ini(incomplete);
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write("[Run]\nCurveFitting.Margin=0.1\n");
+    ini.close();
+    int exitCode = -1;
+    QString errors;
+    ASSERT_EQ(RunGallery({QStringLiteral("--settings"), incomplete, QStringLiteral("--output"),
+                          directory.filePath("out")},
+                         exitCode, errors),
+              QProcess::NormalExit);
+    EXPECT_EQ(exitCode, 2);
+    EXPECT_TRUE(errors.contains(QStringLiteral("Run.UsageChart.HeatMap.H")))
+        << errors.toStdString();
+    EXPECT_FALSE(QFile::exists(directory.filePath("out")));
+    trv5::gallery::settings::Load(QString());
 }

@@ -263,6 +263,13 @@ TEST(GalleryRun, ImprovesAndFillsEveryResult) {
     const auto usage = results.VariableUsage();
     ASSERT_EQ(usage.size(), 30u);
     EXPECT_NEAR(std::accumulate(usage.begin(), usage.end(), 0.0), 100.0, 1e-9);
+    // Every individual of the last generation leans on its own largest weight, so the counts
+    // (at most the 40 offspring each) add up to at least one per individual.
+    const auto population = results.PopulationUsage();
+    ASSERT_EQ(population.size(), 30u);
+    EXPECT_TRUE(std::all_of(population.begin(), population.end(),
+                            [](std::int32_t pCount) { return pCount >= 0 && pCount <= 40; }));
+    EXPECT_GE(std::accumulate(population.begin(), population.end(), 0), 40);
 
     // Output on a 0/1 target: the slope is the gap between the classes' mean outputs.
     double positiveSum = 0.0;

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
 #include <trv5charts/hostsettings.h>
 
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QLocale>
+#include <QMenu>
 #include <QString>
 
 #include <gtest/gtest.h>
@@ -40,6 +45,49 @@ public:
     QVariantMap Settings() const override { return settings; }
     QVariantMap settings;
 };
+
+// Answers the print dialog with one copy to a PDF file, or with a cancel.
+class PdfDialog : public IPrintDialog {
+public:
+    explicit PdfDialog(QString pFile) : m_file(std::move(pFile)) {}
+    bool Exec(PrintSettings& pSettings) override {
+        ++shown;
+        pSettings.copies = 1;
+        pSettings.outputFile = m_file;
+        return !cancel;
+    }
+    int shown = 0;
+    bool cancel = false;
+
+private:
+    QString m_file;
+};
+
+// A self-drawn chart's context menu "ctxMain": its four entries, and that the keyboard's menu
+// key opens it only while ShowCopyPrint is set. Returns the menu, left open; null (with a
+// failure) when the chart has none.
+template <class Chart> QMenu* CheckCopyPrintMenu(Chart& pChart) {
+    auto* menu = pChart.template findChild<QMenu*>(QStringLiteral("ctxMain"));
+    if (menu == nullptr) {
+        ADD_FAILURE() << "no context menu";
+        return nullptr;
+    }
+    QStringList captions;
+    for (QAction* action : menu->actions()) {
+        captions << (action->isSeparator() ? QStringLiteral("-") : action->text());
+    }
+    EXPECT_EQ(captions, (QStringList{"Copy Chart", "Copy Chart Data", "-", "Print"}));
+
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5),
+                          pChart.mapToGlobal(QPoint(5, 5)));
+    pChart.SetShowCopyPrint(false);
+    QCoreApplication::sendEvent(&pChart, &key);
+    EXPECT_FALSE(menu->isVisible());
+    pChart.SetShowCopyPrint(true);
+    QCoreApplication::sendEvent(&pChart, &key);
+    EXPECT_TRUE(menu->isVisible());
+    return menu;
+}
 
 inline QLocale German() {
     return QLocale(QLocale::German, QLocale::Germany);

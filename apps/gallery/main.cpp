@@ -1,6 +1,8 @@
 // The gallery: every chart of TRV5Charts on a real modelling run. Interactive by default;
 // --output DIR writes every chart's picture, data and state without a user, --screenshot FILE a
 // picture of the window after a run.
+#include "core/galleryerror.h"
+#include "ui/gallerysettings.h"
 #include "ui/gallerywindow.h"
 #include "ui/headless.h"
 
@@ -14,14 +16,6 @@
 #include <memory>
 
 namespace {
-
-// The gallery's host settings: the charts' axis margin.
-class GallerySettings final : public trv5::IConfig {
-public:
-    QVariantMap Settings() const override {
-        return {{QStringLiteral("Run.CurveFitting.Margin"), QStringLiteral("0.05")}};
-    }
-};
 
 bool HasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") ||
@@ -74,10 +68,21 @@ int main(int argc, char** argv) {
                                         QStringLiteral("N"), QStringLiteral("0"));
     parser.addOption(outputOption);
     parser.addOption(screenshotOption);
+    const QCommandLineOption settingsOption(
+        QStringLiteral("settings"),
+        QStringLiteral("Read the charts' display settings from the INI file FILE instead of the "
+                       "built-in defaults."),
+        QStringLiteral("FILE"));
     parser.addOption(pageOption);
+    parser.addOption(settingsOption);
     parser.process(app);
 
-    trv5::Globals::StoreConfig(std::make_shared<GallerySettings>());
+    try {
+        trv5::Globals::StoreConfig(trv5::gallery::settings::Load(parser.value(settingsOption)));
+    } catch (const trv5::gallery::GalleryError& error) {
+        QTextStream(stderr) << "trv5_gallery: " << error.Text() << '\n';
+        return 2;
+    }
     trv5::gallery::GalleryWindow window;
     if (parser.isSet(outputOption)) {
         return trv5::gallery::headless::ExportAll(window, parser.value(outputOption));

@@ -5,6 +5,8 @@
 #include <trv5charts/axis.h>
 #include <trv5charts/axisrange.h>
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
 #include <trv5charts/capture.h>
 #include <trv5charts/charterror.h>
 #include <trv5charts/clscatterplot.h>
@@ -17,6 +19,7 @@
 #include <trv5charts/localizationlib.h>
 #include <trv5charts/mathhelper.h>
 #include <trv5charts/numberformat.h>
+#include <trv5charts/popupmenuitem.h>
 #include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/scatterplot.h>

@@ -128,8 +128,16 @@ QColor ToQColor(std::int32_t pColour) {
         }
         return QApplication::palette().color(RoleOfSystemColour(index));
     }
-    return QColor(static_cast<int>(bits & 0xFFU), static_cast<int>((bits >> 8) & 0xFFU),
-                  static_cast<int>((bits >> 16) & 0xFFU));
+    return QColor(ToQRgb(pColour));
+}
+
+QRgb ToQRgb(std::int32_t pColour) {
+    const auto bits = static_cast<std::uint32_t>(pColour);
+    if ((bits & 0x80000000U) != 0U) {
+        return ToQColor(pColour).rgb();
+    }
+    return qRgb(static_cast<int>(bits & 0xFFU), static_cast<int>((bits >> 8) & 0xFFU),
+                static_cast<int>((bits >> 16) & 0xFFU));
 }
 
 } // namespace trv5::platform

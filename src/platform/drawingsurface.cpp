@@ -808,6 +808,47 @@ std::int32_t DrawingSurface::Point(double pX, double pY) const {
     return ColourValue(m_raster.pixel(static_cast<int>(x), static_cast<int>(y)));
 }
 
+// ---- whole device rows ----
+
+void DrawingSurface::PutDeviceRows(int pLeft, int pTop, int pRows,
+                                   std::span<const std::int32_t> pColours) {
+    SyncRaster();
+    // The rows are written straight into the image, which must not be shared with a painter.
+    EndPainting();
+    if (m_raster.isNull() || pRows <= 0 || pColours.empty()) {
+        return;
+    }
+    const std::int64_t left = pLeft;
+    const std::int64_t first = std::max<std::int64_t>(left, 0);
+    const std::int64_t last =
+        std::min<std::int64_t>(left + static_cast<std::int64_t>(pColours.size()), m_raster.width());
+    const std::int64_t top = std::max<std::int64_t>(pTop, 0);
+    const std::int64_t bottom =
+        std::min<std::int64_t>(static_cast<std::int64_t>(pTop) + pRows, m_raster.height());
+    if (first >= last || top >= bottom) {
+        return;
+    }
+    // One row is converted, the others are copies of it. Neighbouring pixels mostly share a
+    // colour, so the last conversion is kept.
+    auto* row = reinterpret_cast<QRgb*>(m_raster.scanLine(static_cast<int>(top)));
+    std::int32_t lastColour = pColours[static_cast<std::size_t>(first - left)];
+    QRgb lastRgb = ToQRgb(lastColour);
+    for (std::int64_t x = first; x < last; ++x) {
+        const std::int32_t colour = pColours[static_cast<std::size_t>(x - left)];
+        if (colour != lastColour) {
+            lastColour = colour;
+            lastRgb = ToQRgb(colour);
+        }
+        row[x] = lastRgb;
+    }
+    const auto bytes = static_cast<std::size_t>(last - first) * sizeof(QRgb);
+    for (std::int64_t y = top + 1; y < bottom; ++y) {
+        auto* target = reinterpret_cast<QRgb*>(m_raster.scanLine(static_cast<int>(y)));
+        std::memcpy(target + first, row + first, bytes);
+    }
+    ScheduleUpdate();
+}
+
 // ---- text ----
 
 void DrawingSurface::DrawTextAt(const QString& pText, double pX, double pY, double pDegrees,

@@ -151,6 +151,16 @@ public:
     // The colour drawn at a user position as 0x00BBGGRR, or -1 outside the picture.
     std::int32_t Point(double pX, double pY) const;
 
+    // ---- whole device rows ----
+    // For charts that work out every device pixel themselves (a grid of a million blocks), so
+    // that their cost follows the pixels, not the shapes. The raster's size in device pixels
+    // (empty when there is none).
+    QSize DeviceSize() const;
+    // Writes pColours (0x00BBGGRR or system colour codes, one per device pixel from column pLeft
+    // on) into the device rows pTop to pTop + pRows - 1. Whatever falls outside the raster is
+    // left out.
+    void PutDeviceRows(int pLeft, int pTop, int pRows, std::span<const std::int32_t> pColours);
+
     // ---- text ----
     // Writes the text in ForeColor with its top left corner at the current position, then moves
     // to the start of the next line (ScaleLeft, one line lower), as a picture box does.
@@ -179,8 +189,6 @@ public:
     void BeginColumnBand(int pLeft, int pRight);
     void EndColumnBand();
     bool InColumnBand() const { return m_band.has_value(); }
-    // The picture's size in device pixels (empty without a raster).
-    QSize DeviceSize() const;
 
     // The finished picture, device pixels with the device pixel ratio set.
     const QImage& Raster() const;

@@ -7,7 +7,6 @@
 
 #include <trv5charts/charterror.h>
 #include <trv5charts/localizationlib.h>
-#include <trv5charts/stringhelpers.h>
 
 #include <algorithm>
 #include <string_view>
@@ -59,19 +58,6 @@ std::string_view RequiredAttribute(const platform::XmlNode& pNode, std::string_v
     return *value;
 }
 
-// Without leading and trailing blanks (blanks only, as hosts trim names).
-QString TrimBlanks(const QString& pText) {
-    qsizetype begin = 0;
-    qsizetype end = pText.size();
-    while (begin < end && pText.at(begin) == QLatin1Char(' ')) {
-        ++begin;
-    }
-    while (end > begin && pText.at(end - 1) == QLatin1Char(' ')) {
-        --end;
-    }
-    return pText.mid(begin, end - begin);
-}
-
 } // namespace
 
 bool BarChart::AppendValue(std::string& pOut, std::int64_t pIndex) const {
@@ -98,9 +84,8 @@ QString BarChart::DataText() const {
     while (!body.empty() && body.back() == '\t') {
         body.pop_back();
     }
-    const QString header =
-        StringHelpers::RemoveTrailing(TrimBlanks(m_dataPointName), QStringLiteral(":"));
-    return header + QStringLiteral("\r\n") + serialization::FromUtf8(body);
+    return selfdrawn::DataHeader(m_dataPointName) + QStringLiteral("\r\n") +
+           serialization::FromUtf8(body);
 }
 
 // ---- ISimpleSerializable ----

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "selfdrawn/selfdrawn_support.h"
+
 #include <trv5charts/charterror.h>
 
 #include <cmath>
@@ -9,9 +11,8 @@
 // Pieces shared by the bar chart's translation units.
 namespace trv5::barchart {
 
-// System colour codes, resolved through the application palette.
-inline constexpr std::int32_t kGreyText = static_cast<std::int32_t>(0x80000011U);
-inline constexpr std::int32_t kButtonFace = static_cast<std::int32_t>(0x8000000FU);
+using selfdrawn::kButtonFace;
+using selfdrawn::kGreyText;
 
 // Up to this many columns each bar is three units wide with a one-unit gap; from here on the
 // bars are one unit wide and touch.

@@ -75,6 +75,29 @@ double EvolutionStrategy::TrainingFitness(std::span<const double> pWeights) cons
                            m_targets, m_trainingRecords);
 }
 
+std::vector<std::int32_t> EvolutionStrategy::PopulationUsage(double pShareOfLargest) const {
+    // Weight 0 is the bias, which no variable owns.
+    const std::size_t width = m_best.Weights.size();
+    std::vector<std::int32_t> usage(width > 0 ? width - 1 : 0, 0);
+    // The offspring are the last generation made; before the first generation, the parents drawn.
+    const std::vector<Individual>& population = m_generation > 0 ? m_offspring : m_parents;
+    for (const Individual& individual : population) {
+        double largest = 0.0;
+        for (std::size_t i = 1; i < individual.Weights.size(); ++i) {
+            largest = std::max(largest, std::abs(individual.Weights[i]));
+        }
+        if (!(largest > 0.0)) {
+            continue;
+        }
+        for (std::size_t i = 1; i < individual.Weights.size() && i < width; ++i) {
+            if (std::abs(individual.Weights[i]) >= pShareOfLargest * largest) {
+                ++usage[i - 1];
+            }
+        }
+    }
+    return usage;
+}
+
 GenerationStats EvolutionStrategy::Step() {
     const std::size_t width = m_best.Weights.size();
     const double learningRate = 1.0 / std::sqrt(static_cast<double>(width));

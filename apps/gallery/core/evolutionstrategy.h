@@ -48,6 +48,10 @@ public:
     const StandardizedFeatures& Features() const { return m_features; }
     // 1 for validation records, 0 for training records.
     std::span<const std::uint8_t> InValidation() const { return m_inValidation; }
+    // Per feature, how many individuals of the last generation's population (its offspring, or
+    // the first parents before any generation) lean on it: its absolute weight is at least
+    // pShareOfLargest of that individual's largest absolute feature weight.
+    std::vector<std::int32_t> PopulationUsage(double pShareOfLargest) const;
 
 private:
     struct Individual {

@@ -50,6 +50,9 @@ Results Results::Compute(const Dataset& pData, const RunSettings& pSettings,
         results.m_variableUsage.push_back(total > 0.0 && std::isfinite(share) ? share : 0.0);
     }
 
+    constexpr double kLeaningShare = 0.1;
+    results.m_populationUsage = pStrategy.PopulationUsage(kLeaningShare);
+
     MathHelper::ComputeLinearRegression(results.RecordCount(), results.m_targets, results.m_outputs,
                                         results.m_slope, results.m_intercept);
     return results;

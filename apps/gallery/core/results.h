@@ -68,6 +68,9 @@ public:
     // Per feature, the share (percent, summing to 100) of the best model's absolute
     // standardized weights: how much the model leans on each variable.
     std::span<const double> VariableUsage() const { return m_variableUsage; }
+    // Per feature, how many individuals of the last generation's population lean on it (an
+    // absolute weight of at least a tenth of the individual's largest).
+    std::span<const std::int32_t> PopulationUsage() const { return m_populationUsage; }
 
     // Least-squares line of the output on the target (output = slope x target + intercept).
     double RegressionSlope() const { return m_slope; }
@@ -95,6 +98,7 @@ private:
     ConfusionCounts m_validationConfusion;
     RocCurve m_roc;
     std::vector<double> m_variableUsage;
+    std::vector<std::int32_t> m_populationUsage;
     double m_slope = 0.0;
     double m_intercept = 0.0;
 };

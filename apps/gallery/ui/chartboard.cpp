@@ -1,9 +1,12 @@
 #include "ui/chartboard.h"
 
+#include "ui/gallerysettings.h"
 #include "ui/gallerystyle.h"
 #include "ui/hostedchartmenu.h"
 
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/curvefitting.h>
 #include <trv5charts/numberformat.h>
@@ -17,6 +20,7 @@
 #include <QLayout>
 #include <QWidget>
 
+#include <utility>
 #include <vector>
 
 namespace trv5::gallery {
@@ -82,6 +86,20 @@ void ChartBoard::CreateCharts(QWidget* pParent) {
 
     m_stacked = new StackedDistributionChart(pParent);
     PrepareHosted(*m_stacked, QString::fromLatin1(chartname::kStacked));
+
+    m_usageBlocks = MakeUsageBlocks(pParent);
+    m_tapestry = new BlockPanelSimple(pParent);
+    Prepare(*m_tapestry, QString::fromLatin1(chartname::kTapestry));
+    // The settings were checked for every key when they were loaded.
+    m_tapestry->Init(settings::Current());
+}
+
+BlockPanel* ChartBoard::MakeUsageBlocks(QWidget* pParent) const {
+    auto* panel = new BlockPanel(pParent);
+    Prepare(*panel, QString::fromLatin1(chartname::kUsageBlocks));
+    panel->SetDataPointName(QStringLiteral("Individuals"));
+    panel->Init(settings::Current(), 0);
+    return panel;
 }
 
 RTChart* ChartBoard::MakeProgress(QWidget* pParent) const {
@@ -152,6 +170,10 @@ std::vector<ChartEntry> ChartBoard::Entries() const {
          m_scatter, nullptr, m_scatter, QSize(800, 560)},
         {QString::fromLatin1(chartname::kStacked), QStringLiteral("Stacked distribution"),
          m_stacked, nullptr, m_stacked, wide},
+        {QString::fromLatin1(chartname::kUsageBlocks), QStringLiteral("Variable usage blocks"),
+         m_usageBlocks, m_usageBlocks, nullptr, QSize(600, 220)},
+        {QString::fromLatin1(chartname::kTapestry), QStringLiteral("Classification tapestry"),
+         m_tapestry, nullptr, nullptr, QSize(900, 200)},
     };
 }
 
@@ -227,6 +249,12 @@ void ChartBoard::RestoreStates(const std::map<QString, QString>& pFragments) {
         }
         pFresh->Redraw();
     };
+    // Read before it takes the old panel's place, so that whoever follows the replacement sees
+    // the restored mode.
+    BlockPanel* blocks = MakeUsageBlocks(m_usageBlocks->parentWidget());
+    blocks->FromString(fragment(blocks->objectName()));
+    Replace(std::exchange(m_usageBlocks, blocks), blocks, blocks->objectName());
+
     renewBar(m_usage, MakeUsage(m_usage->parentWidget()));
     renewBar(m_trainingGauge,
              MakeGauge(m_trainingGauge->parentWidget(),
@@ -270,6 +298,7 @@ void ChartBoard::ClearResults() {
     m_curve->Clear();
     m_classes->Clear();
     m_stacked->Clear();
+    m_tapestry->Reset();
 }
 
 } // namespace trv5::gallery

@@ -14,6 +14,8 @@ class QWidget;
 
 namespace trv5 {
 class BarChart;
+class BlockPanel;
+class BlockPanelSimple;
 class CLScatterPlot;
 class CurveFitting;
 class HostedChartFrame;
@@ -69,6 +71,10 @@ public:
     CurveFitting& Curve() const { return *m_curve; }
     CLScatterPlot& Classes() const { return *m_classes; }
     StackedDistributionChart& Stacked() const { return *m_stacked; }
+    // Variable usage across the last generation's population, and every record's predicted
+    // class.
+    BlockPanel& UsageBlocks() const { return *m_usageBlocks; }
+    BlockPanelSimple& Tapestry() const { return *m_tapestry; }
 
     // Every chart, in the order the window shows them.
     std::vector<ChartEntry> Entries() const;
@@ -102,6 +108,7 @@ private:
     BarChart* MakeUsage(QWidget* pParent) const;
     BarChart* MakeGauge(QWidget* pParent, const QString& pName, std::int32_t pColour) const;
     ROCChart* MakeRoc(QWidget* pParent) const;
+    BlockPanel* MakeUsageBlocks(QWidget* pParent) const;
     void Replace(QWidget* pOld, QWidget* pNew, const QString& pName);
 
     RTChart* m_progress = nullptr;
@@ -115,6 +122,8 @@ private:
     CLScatterPlot* m_classes = nullptr;
     StackedDistributionChart* m_stacked = nullptr;
     QStringList m_usageNames;
+    BlockPanel* m_usageBlocks = nullptr;
+    BlockPanelSimple* m_tapestry = nullptr;
 };
 
 // Chart names used in project files and exports.
@@ -128,6 +137,8 @@ inline constexpr const char* kScatter = "scatter";
 inline constexpr const char* kCurve = "curvefitting";
 inline constexpr const char* kClasses = "clscatter";
 inline constexpr const char* kStacked = "stacked";
+inline constexpr const char* kUsageBlocks = "usageBlocks";
+inline constexpr const char* kTapestry = "tapestry";
 } // namespace chartname
 
 } // namespace trv5::gallery

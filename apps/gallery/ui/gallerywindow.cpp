@@ -9,8 +9,11 @@
 #include "ui/controlpanel.h"
 #include "ui/projectstate.h"
 #include "ui/runsession.h"
+#include "ui/usagemodeselector.h"
 
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/curvefitting.h>
 #include <trv5charts/numberformat.h>
@@ -209,10 +212,22 @@ void GalleryWindow::BuildPages() {
     runLayout->addWidget(Card(QStringLiteral("Run progress"), &board.Progress()), 3);
     runLayout->addWidget(
         Card(QStringLiteral("Variable usage of the best model"), usage, m_topVariables), 2);
+    // How many individuals of the last generation lean on each variable, coloured as chosen.
+    auto* population = new QWidget;
+    auto* populationLayout = new QVBoxLayout(population);
+    populationLayout->setContentsMargins(0, 0, 0, 0);
+    auto* modeSelector = new UsageModeSelector(board);
+    connect(modeSelector, &UsageModeSelector::failed, this,
+            [this](const QString& pMessage) { statusBar()->showMessage(pMessage); });
+    populationLayout->addWidget(modeSelector, 0, Qt::AlignLeft);
+    populationLayout->addWidget(&board.UsageBlocks(), 1);
+    runLayout->addWidget(
+        Card(QStringLiteral("Variable usage across the last generation"), population), 2);
     m_pages->addTab(runPage, QStringLiteral("Run"));
     m_pageCharts.push_back(
         {QStringLiteral("Run"),
-         {QString::fromLatin1(chartname::kProgress), QString::fromLatin1(chartname::kUsage)}});
+         {QString::fromLatin1(chartname::kProgress), QString::fromLatin1(chartname::kUsage),
+          QString::fromLatin1(chartname::kUsageBlocks)}});
 
     // The classifier: ROC curve and outcome scatter side by side, the fit by record below.
     auto* classPage = new QWidget;
@@ -223,13 +238,15 @@ void GalleryWindow::BuildPages() {
     classLayout->addWidget(
         Card(QStringLiteral("Model output and target, records ordered by output"), &board.Curve()),
         1, 0, 1, 2);
+    classLayout->addWidget(
+        Card(QStringLiteral("Predicted class of every record"), &board.Tapestry()), 2, 0, 1, 2);
     classLayout->setColumnStretch(0, 2);
     classLayout->setColumnStretch(1, 3);
     m_pages->addTab(classPage, QStringLiteral("Classification"));
     m_pageCharts.push_back(
         {QStringLiteral("Classification"),
          {QString::fromLatin1(chartname::kRoc), QString::fromLatin1(chartname::kClasses),
-          QString::fromLatin1(chartname::kCurve)}});
+          QString::fromLatin1(chartname::kCurve), QString::fromLatin1(chartname::kTapestry)}});
 
     // The distributions of outputs and targets.
     auto* distributionPage = new QWidget;

@@ -2,9 +2,12 @@
 
 #include "core/gallerycore.h"
 #include "ui/chartboard.h"
+#include "ui/gallerysettings.h"
 #include "ui/gallerystyle.h"
 
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
 #include <trv5charts/clscatterplot.h>
 #include <trv5charts/curvefitting.h>
 #include <trv5charts/rocchart.h>
@@ -41,6 +44,31 @@ void ShowUsage(BarChart& pChart, const Results& pResults) {
                 ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
     pChart.SetDoubleData(usage);
     pChart.Redraw();
+}
+
+void ShowPopulationUsage(BlockPanel& pPanel, const Results& pResults) {
+    const auto counts = pResults.PopulationUsage();
+    const QStringList& names = pResults.FeatureNames();
+    pPanel.Init(settings::Current(), 0);
+    if (static_cast<qsizetype>(counts.size()) == names.size()) {
+        const std::vector<QString> itemNames(names.begin(), names.end());
+        pPanel.SetUsage(counts, itemNames);
+    } else {
+        pPanel.SetUsage(counts);
+    }
+    pPanel.Redraw();
+}
+
+// Every record's predicted class at the threshold: 1 at or above it, 0 below, and no outcome
+// for a record the model gave no number.
+void ShowTapestry(BlockPanelSimple& pTapestry, const Results& pResults) {
+    const auto outputs = pResults.Outputs();
+    std::vector<std::int32_t> classes(outputs.size());
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        classes[i] = std::isfinite(outputs[i]) ? (outputs[i] >= pResults.Threshold() ? 1 : 0) : -1;
+    }
+    pTapestry.SetData(classes, pResults.RecordIds());
+    pTapestry.Redraw();
 }
 
 // The records in the order of their output (ties by data set order): the model's line becomes
@@ -121,6 +149,8 @@ void ShowResults(ChartBoard& pBoard, const Results& pResults) {
 
     ShowUsage(pBoard.Usage(), pResults);
     pBoard.SetUsageNames(pResults.FeatureNames());
+    ShowPopulationUsage(pBoard.UsageBlocks(), pResults);
+    pBoard.Tapestry().Init(settings::Current());
 
     ROCChart& roc = pBoard.Roc();
     roc.SetDataSource(pResults.Roc().FPRates, pResults.Roc().TPRates);
@@ -159,6 +189,8 @@ void ShowThreshold(ChartBoard& pBoard, const Results& pResults) {
     classes.SetRoundingThreshold(pResults.Threshold());
     classes.SetData(pResults.RecordCount(), pResults.OutcomeTypes(), pResults.Outputs(),
                     pResults.RecordIds());
+
+    ShowTapestry(pBoard.Tapestry(), pResults);
 
     ShowGauge(pBoard.TrainingGauge(), pResults.TrainingConfusion());
     ShowGauge(pBoard.ValidationGauge(), pResults.ValidationConfusion());
