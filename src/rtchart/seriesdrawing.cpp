@@ -39,7 +39,44 @@ struct PolylinePoints {
     }
 };
 
-PolylinePoints PointsOf(Series& pSeries) {
+// The last point index that can show on the surface: the right edge of the horizontal scale,
+// plus pMargin user units for what is drawn around a point, plus the point beyond the edge that
+// the last visible segment runs to. A series that holds no values draws zeros at every index it
+// claims, and this is what keeps such a claim from costing more than the plot's width.
+std::int64_t LastVisibleIndex(const DrawingSurface& pSurface, double pMargin) {
+    const double right =
+        std::max(pSurface.ScaleLeft(), pSurface.ScaleLeft() + pSurface.ScaleWidth());
+    const double last = std::floor(right + std::fabs(pMargin)) + 1.0;
+    if (!(last < 2147483647.0)) {
+        return 2147483647;
+    }
+    return last < -1.0 ? -1 : static_cast<std::int64_t>(last);
+}
+
+// The index step at which points that read 0 everywhere still touch or overlap on the surface:
+// drawing every point of a series without values would put thousands of identical shapes on
+// each pixel column.
+std::int64_t ZeroPointStep(const DrawingSurface& pSurface) {
+    const double pixelsPerIndex = std::fabs(
+        pSurface.ScaleX(1.0, DrawingSurface::ScaleMode::User, DrawingSurface::ScaleMode::Pixel));
+    if (!(pixelsPerIndex > 0.0) || pixelsPerIndex >= 1.0) {
+        return 1;
+    }
+    return static_cast<std::int64_t>(std::min(std::floor(1.0 / pixelsPerIndex), 1e9));
+}
+
+// Indexes pFirst, pFirst + pStep, ... and always pLast, so that the last point is drawn.
+template <class Draw>
+void ForEachPoint(std::int64_t pFirst, std::int64_t pLast, std::int64_t pStep, Draw&& pDraw) {
+    for (std::int64_t k = pFirst; k <= pLast; k += pStep) {
+        pDraw(k);
+        if (k < pLast && k + pStep > pLast) {
+            pDraw(pLast);
+        }
+    }
+}
+
+PolylinePoints PointsOf(DrawingSurface& pSurface, Series& pSeries) {
     PolylinePoints points;
     points.values = pSeries.Values();
     points.ready = pSeries.DataReady();
@@ -48,9 +85,13 @@ PolylinePoints PointsOf(Series& pSeries) {
     const std::int64_t last = pSeries.SetType() == Bulk
                                   ? static_cast<std::int64_t>(pSeries.Count()) - 1
                                   : static_cast<std::int64_t>(pSeries.LastPoint());
-    points.requestedLast = last;
-    points.last =
-        points.ready ? std::min(last, static_cast<std::int64_t>(points.values.size()) - 1) : last;
+    if (points.ready) {
+        points.requestedLast = last;
+        points.last = std::min(last, static_cast<std::int64_t>(points.values.size()) - 1);
+    } else {
+        points.last = std::min(last, LastVisibleIndex(pSurface, 0.0));
+        points.requestedLast = points.last;
+    }
     return points;
 }
 
@@ -61,15 +102,22 @@ void DrawMarkers(DrawingSurface& pSurface, Series& pSeries) {
                                      DrawingSurface::ScaleMode::User);
     pSurface.SetFillStyle(DrawingSurface::FillStyle::Solid);
     pSurface.SetFillColor(pSeries.Colour());
-    const std::int32_t count = pSeries.Count();
-    for (std::int32_t k = 0; k < count; ++k) {
-        const double v = pSeries.GetValue(k);
-        const double x = k;
+    const auto draw = [&](std::int64_t pIndex) {
+        const double v = pSeries.GetValue(static_cast<std::int32_t>(pIndex));
+        const double x = static_cast<double>(pIndex);
         if (pSeries.Point() == ptSquare) {
             pSurface.FilledBox(x - w / 2, v - h / 2, x + w / 2, v + h / 2, pSeries.Colour());
         } else {
             pSurface.Circle(x, v, w / 2);
         }
+    };
+    const std::int64_t last = static_cast<std::int64_t>(pSeries.Count()) - 1;
+    if (pSeries.DataReady()) {
+        // Reading beyond the values held ends the drawing, so the values bound the loop.
+        ForEachPoint(0, last, 1, draw);
+    } else {
+        ForEachPoint(0, std::min(last, LastVisibleIndex(pSurface, w)), ZeroPointStep(pSurface),
+                     draw);
     }
 }
 
@@ -289,7 +337,7 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
         dotRadius = pSurface.ScaleX(kDotRadiusPixels, DrawingSurface::ScaleMode::Pixel,
                                     DrawingSurface::ScaleMode::User);
     }
-    const PolylinePoints points = PointsOf(pSeries);
+    const PolylinePoints points = PointsOf(pSurface, pSeries);
     if (g_polylineMode == PolylineMode::EverySegment) {
         DrawEverySegment(pSurface, pSeries, points, dots, dotRadius);
         return;
@@ -301,9 +349,10 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries) {
     // interleaving them.
     DrawPixelColumns(pSurface, points);
     if (dots) {
-        for (std::int64_t k = 0; k <= points.last; ++k) {
-            pSurface.Circle(static_cast<double>(k), points.At(k), dotRadius);
-        }
+        ForEachPoint(0, points.last, points.ready ? 1 : ZeroPointStep(pSurface),
+                     [&](std::int64_t pIndex) {
+                         pSurface.Circle(static_cast<double>(pIndex), points.At(pIndex), dotRadius);
+                     });
     }
 }
 
