@@ -54,8 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSi
         return 0;
     }
     QLocale::setDefault(kLocales[pData[0] % kLocales.size()]);
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char*>(pData + 1), static_cast<qsizetype>(pSize - 1));
+    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(pData + 1),
+                                           static_cast<qsizetype>(pSize - 1));
     Swallow([&] { (void)ll::TextToDouble(text); });
     Swallow([&] { (void)ll::UserTextToDouble(text); });
     Swallow([&] { (void)ll::TextToInt32(text); });
@@ -69,7 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSi
     const float single = static_cast<float>(value);
     RoundTrip(
         single, [](double pValue) { return ll::SingleToUserText(static_cast<float>(pValue)); },
-        [](const QString& pText) { return static_cast<double>(static_cast<float>(ll::UserTextToDouble(pText))); });
+        [](const QString& pText) {
+            return static_cast<double>(static_cast<float>(ll::UserTextToDouble(pText)));
+        });
     const int digits = pSize >= 10 ? pData[9] % 20 : 2;
     Swallow([&] { (void)ll::FormatFixed(value, digits); });
     Swallow([&] { (void)ll::FormatPercent(value, digits); });

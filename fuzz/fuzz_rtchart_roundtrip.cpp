@@ -5,7 +5,8 @@
 
 #include <trv5charts/rtchart.h>
 
-#include <QApplication>
+#include "widgetfuzzer.h"
+
 #include <QLocale>
 
 #include <array>
@@ -28,19 +29,12 @@ QString SaveOfLoaded(const QString& pText) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* pArgc, char*** pArgv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(*pArgc, *pArgv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSize) {
     if (pSize == 0) {
         return 0;
     }
     QLocale::setDefault(kLocales[pData[0] % kLocales.size()]);
-    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(pData + 1),
-                                           static_cast<qsizetype>(pSize - 1));
+    const QString text = FuzzText(pData + 1, pSize - 1);
     const QString first = SaveOfLoaded(text);
     const QString second = SaveOfLoaded(first);
     const QString third = SaveOfLoaded(second);
