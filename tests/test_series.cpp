@@ -257,7 +257,7 @@ TEST(Series, AShortElementGetsItsSlotsUpToACapAndClaimsBeyondItChangeNothing) {
 TEST(Series, NamesKeepEveryCharacterThroughSaveAndLoad) {
     for (const QString& name :
          {QString(QChar(0xFEFF)) + QStringLiteral("lead"), QStringLiteral("tail") + QChar(0xFEFF),
-          QString(QChar(0xFEFF)), QStringLiteral(" spaced \t<&'\"> "),
+          QString(QChar(0xFEFF)), QStringLiteral(" spaced \t<&'\"> \r\n lines \n"),
           QStringLiteral("\xF0\x9F\x93\x88 chart")}) {
         Series series;
         series.Init(1, 0, 1, trv5::Bulk, false);
