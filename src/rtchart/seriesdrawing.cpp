@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace trv5::rtchart {
 
@@ -47,10 +48,10 @@ std::int64_t LastVisibleIndex(const DrawingSurface& pSurface, double pMargin) {
     const double right =
         std::max(pSurface.ScaleLeft(), pSurface.ScaleLeft() + pSurface.ScaleWidth());
     const double last = std::floor(right + std::fabs(pMargin)) + 1.0;
-    if (!(last < 2147483647.0)) {
-        return 2147483647;
+    if (!std::isfinite(last) || last < -1.0) {
+        return -1; // a scale that cannot place anything
     }
-    return last < -1.0 ? -1 : static_cast<std::int64_t>(last);
+    return last > 2147483647.0 ? 2147483647 : static_cast<std::int64_t>(last);
 }
 
 // The index step at which points that read 0 everywhere still touch or overlap on the surface:
@@ -59,7 +60,10 @@ std::int64_t LastVisibleIndex(const DrawingSurface& pSurface, double pMargin) {
 std::int64_t ZeroPointStep(const DrawingSurface& pSurface) {
     const double pixelsPerIndex = std::fabs(
         pSurface.ScaleX(1.0, DrawingSurface::ScaleMode::User, DrawingSurface::ScaleMode::Pixel));
-    if (!(pixelsPerIndex > 0.0) || pixelsPerIndex >= 1.0) {
+    if (!(pixelsPerIndex > 0.0) || !std::isfinite(pixelsPerIndex)) {
+        return std::numeric_limits<std::int32_t>::max(); // nothing can be seen between the ends
+    }
+    if (pixelsPerIndex >= 1.0) {
         return 1;
     }
     return static_cast<std::int64_t>(std::min(std::floor(1.0 / pixelsPerIndex), 1e9));
