@@ -285,6 +285,19 @@ TEST(RTChartPersistence, TheLineValueMisreadsButSettlesAndNeverCostsTheChart) {
     EXPECT_EQ(misread.LineValue(), 9.0);
 
     // A value that cannot be read hides the line; axes and series load all the same.
+    // Likewise a last generation beyond the whole-number range.
+    {
+        RTChart source;
+        BuildRun(source);
+        QString saved = source.ToString();
+        saved.replace(QStringLiteral("lastgeneration='250'"),
+                      QStringLiteral("lastgeneration='99999999999'"));
+        RTChart chart;
+        chart.SetLastGenerationForCopy(5);
+        chart.FromString(saved);
+        EXPECT_EQ(chart.LastGenerationForCopy(), 5);
+        EXPECT_EQ(chart.SeriesCount(), 2);
+    }
     for (const char* text : {"1,5E+308", "9,9E+999", "1e400", "abc"}) {
         RTChart source;
         BuildRun(source);

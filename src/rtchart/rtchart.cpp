@@ -497,7 +497,10 @@ void RTChart::FromString(const QString& pText) {
         const platform::XmlNode root = document.DocumentElement();
         const int attributes = root.AttributeCount();
         if (attributes >= 2) {
-            m_lastGeneration = serialization::ReadWhole(root.AttributeValue(1));
+            // A last generation that cannot be read keeps the one the chart had; it is no reason
+            // to lose the axes and series that follow.
+            serialization::RunTrapped(
+                [&] { m_lastGeneration = serialization::ReadWhole(root.AttributeValue(1)); });
         }
         if (attributes >= 3) {
             const std::string_view lineValue = root.AttributeValue(2);
