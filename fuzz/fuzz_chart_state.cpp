@@ -5,20 +5,13 @@
 #include <trv5charts/rtchart.h>
 #include <trv5charts/series.h>
 
-#include <QApplication>
+#include "widgetfuzzer.h"
 
 #include <cstdint>
 #include <memory>
 
-extern "C" int LLVMFuzzerInitialize(int* pArgc, char*** pArgv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(*pArgc, *pArgv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSize) {
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char*>(pData), static_cast<qsizetype>(pSize));
+    const QString text = FuzzText(pData, pSize);
     trv5::RTChart chart;
     chart.FromString(text);
     const QString saved = chart.ToString();

@@ -6,6 +6,7 @@
 #include "testsupport.h"
 
 #include <trv5charts/capture.h>
+#include <trv5charts/localizationlib.h>
 
 #include <QAction>
 #include <QContextMenuEvent>
@@ -417,9 +418,80 @@ TEST(BarChartState, WritesTheDocumentedLayout) {
     EXPECT_FALSE(c.chart.IsTypeOf(QStringLiteral("<SimpleBarChart>")));
     EXPECT_FALSE(c.chart.IsTypeOf(QStringLiteral("<simplebarchart name=''>")));
 
-    // Fewer values than columns: nothing rather than a partial element.
+    // Fewer values than columns: the values there are, so that the host's project keeps them.
     c.chart.SetLongData(std::vector<std::int32_t>{4});
-    EXPECT_TRUE(c.chart.ToString().isEmpty());
+    EXPECT_EQ(c.chart.ToString(),
+              QStringLiteral("<SimpleBarChart name='chtFitness' type='0' valuestype='3' "
+                             "hmargins='0' corner='1'><datapoints Columns='3' MaxValue='10'>"
+                             "<datapoint value='4'/></datapoints></SimpleBarChart>"));
+}
+
+TEST(BarChartState, AShortChartStillSavesAndLoadsItsValues) {
+    Chart c(164, 102);
+    c.chart.Init(5, 10.0F, trv5::ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
+    c.chart.SetDoubleData(std::vector<double>{1, 2, 3});
+    const QString saved = c.chart.ToString();
+    ASSERT_FALSE(saved.isEmpty());
+    Chart restored(164, 102);
+    restored.chart.FromString(saved);
+    EXPECT_EQ(restored.chart.Columns(), 5);
+    EXPECT_EQ(
+        std::vector<double>(restored.chart.DoubleData().begin(), restored.chart.DoubleData().end()),
+        (std::vector<double>{1, 2, 3}));
+}
+
+TEST(BarChartState, NamesWithCharactersXmlCannotHoldStillGiveLoadableText) {
+    Chart c(100, 60);
+    c.chart.setObjectName(QStringLiteral("a") + QChar(0) + QStringLiteral("b<'&"));
+    c.chart.Init(2, 4.0F, trv5::ctMultiVerticalBars, BarChart::kLongValues, 0.0F);
+    const QString saved = c.chart.ToString();
+    EXPECT_TRUE(saved.startsWith(QStringLiteral("<SimpleBarChart name='ab&lt;&apos;&amp;'")))
+        << saved.toStdString();
+    Chart restored(100, 60);
+    restored.chart.FromString(saved);
+    EXPECT_EQ(restored.chart.Columns(), 2);
+    EXPECT_EQ(restored.chart.MaxValue(), 4.0F);
+}
+
+// The margin and the maximum are written in the user's locale and must come back as written on
+// the same machine, whatever its decimal point.
+TEST(BarChartState, MaximumAndMarginComeBackInTheLocaleThatWroteThem) {
+    for (const QLocale& locale : {trv5::test::German(), QLocale(QLocale::Arabic, QLocale::Egypt),
+                                  trv5::test::BritishEnglish()}) {
+        trv5::test::ScopedLocale scoped(locale);
+        Chart source(164, 102);
+        source.chart.Init(3, 28.125F, trv5::ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
+        source.chart.SetDoubleData(std::vector<double>{0.5, 12.25, 28});
+        const QString saved = source.chart.ToString();
+        Chart restored(164, 102);
+        restored.chart.FromString(saved);
+        EXPECT_EQ(restored.chart.MaxValue(), 28.125F) << saved.toStdString();
+        EXPECT_EQ(restored.chart.Columns(), 3) << locale.name().toStdString();
+        EXPECT_EQ(std::vector<double>(restored.chart.DoubleData().begin(),
+                                      restored.chart.DoubleData().end()),
+                  (std::vector<double>{0.5, 12.25, 28}));
+        // The margin is read in the same locale (Init then resets it, as loading always has).
+        restored.chart.FromString(QStringLiteral("<SimpleBarChart hmargins='%1'/>")
+                                      .arg(trv5::LocalizationLib::SingleToUserText(0.125F)));
+        EXPECT_EQ(restored.chart.HMarginPercent(), 0.125F) << locale.name().toStdString();
+    }
+
+    // A maximum below one half keeps the chart's columns and values.
+    Chart small(164, 102);
+    small.chart.FromString(QStringLiteral(
+        "<SimpleBarChart name='b' type='0' valuestype='5' hmargins='0' corner='1'><datapoints "
+        "Columns='3' MaxValue='0.25'><datapoint value='0.1'/><datapoint value='0.2'/>"
+        "<datapoint value='0.05'/></datapoints></SimpleBarChart>"));
+    EXPECT_EQ(small.chart.MaxValue(), 0.25F);
+    EXPECT_EQ(small.chart.Columns(), 3);
+    EXPECT_EQ(small.chart.DoubleData().size(), 3U);
+
+    // A text from a machine with the other decimal point still loads.
+    trv5::test::ScopedLocale arabic(QLocale(QLocale::Arabic, QLocale::Egypt));
+    small.chart.FromString(QStringLiteral("<SimpleBarChart type='0' valuestype='5'><datapoints "
+                                          "Columns='2' MaxValue='7.5'/></SimpleBarChart>"));
+    EXPECT_EQ(small.chart.MaxValue(), 7.5F);
+    EXPECT_EQ(small.chart.Columns(), 2);
 }
 
 TEST(BarChartState, RoundTripLosesMarginAndHasDataButDrawsTheBars) {

@@ -10,6 +10,7 @@
 #include <QPrinter>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -312,3 +313,41 @@ TEST_F(CurveFittingTest, LabelsMarkersAndPrinting) {
 }
 
 } // namespace
+
+TEST_F(CurveFittingTest, TooltipsAtTheEndsOfTheCutOffLineNameTheRecordUnderThem) {
+    SetFive();
+    chart.SetThreshold(0.5);
+    chart.ShowThreshold();
+    Engine().Render();
+    // Record 17 (model 0.5 within the tolerance) sits exactly on the line's first end point,
+    // which has no text of its own.
+    const QPointF record = Engine().PointPosition(1, 0);
+    const QPointF lineEnd = Engine().PointPosition(2, 0);
+    ASSERT_LT(std::hypot(record.x() - lineEnd.x(), record.y() - lineEnd.y()), 1.0);
+    EXPECT_TRUE(Engine().TooltipAt(lineEnd).startsWith(QStringLiteral("Model, Record 17")))
+        << Engine().TooltipAt(lineEnd).toStdString();
+    // The hit test as such still finds the line's end point on top.
+    const auto hit = Engine().HitTest(lineEnd);
+    ASSERT_TRUE(hit.has_value());
+    EXPECT_EQ(hit->series, 2);
+}
+
+TEST_F(CurveFittingTest, AChartWhoseEngineControlIsGoneIgnoresDisposeResizeAndPaint) {
+    SetFive();
+    chart.show();
+    delete chart.findChild<QWidget*>(QStringLiteral("mChart"));
+    ASSERT_EQ(chart.findChild<QWidget*>(QStringLiteral("mChart")), nullptr);
+    EXPECT_FALSE(Engine().HasControl());
+    chart.Dispose();
+    chart.resize(300, 200);
+    chart.repaint();
+    (void)chart.grab();
+    chart.SetThreshold(0.5);
+    chart.ShowThreshold();
+    SetFive();
+    chart.CopyImage();
+    EXPECT_TRUE(Engine().Render().isNull());
+    EXPECT_FALSE(Engine().HitTest(QPointF(10, 10)).has_value());
+    QImage page(200, 100, QImage::Format_RGB32);
+    EXPECT_CHART_ERROR(chart.PrintChart2(&page), 91);
+}

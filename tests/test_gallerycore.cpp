@@ -1,3 +1,4 @@
+#include "core/csvreader.h"
 #include "core/gallerycore.h"
 
 #include "testsupport.h"
@@ -13,6 +14,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <string>
 #include <vector>
 
 using namespace trv5::gallery;
@@ -105,6 +107,51 @@ TEST(GalleryDataset, DamagedCsvNamesFileLineAndColumn) {
     const GalleryError missing =
         ErrorOf([] { Dataset::FromFile("/nonexistent/gallery/data.csv"); });
     EXPECT_EQ(missing.Source(), "/nonexistent/gallery/data.csv");
+}
+
+TEST(GalleryDataset, WideHeadersAndLongRowsAreCheckedWithoutKeepingThem) {
+    // 100,000 distinct column names load (checked against each other, this took minutes), and
+    // a repeat is still found where it is.
+    std::string header = "f0";
+    std::string row = "1";
+    for (int i = 1; i < 100'000; ++i) {
+        header.append(",f").append(std::to_string(i));
+        row.append(",1");
+    }
+    row.resize(row.size() - 1);
+    std::string text = header;
+    text.append("\n").append(row).append("y\n").append(row).append("n\n");
+    const Dataset wide =
+        Dataset::FromText(QByteArrayView(text.data(), qsizetype(text.size())), "w");
+    EXPECT_EQ(wide.FeatureNames().size(), 99'999);
+
+    std::string repeated = header.substr(0, header.find(",f50000"));
+    repeated.append(",f37777\n");
+    const GalleryError twice = ErrorOf([&] { Dataset::FromText(repeated.c_str(), "w"); });
+    EXPECT_EQ(twice.Column(), 50'001);
+    EXPECT_TRUE(twice.Message().contains("'f37777' appears twice")) << twice.what();
+
+    std::string tooWide(200'000, ',');
+    const GalleryError columns = ErrorOf([&] { Dataset::FromText(tooWide.c_str(), "w"); });
+    EXPECT_TRUE(columns.Message().contains("more than 100000 columns")) << columns.what();
+
+    // A row of ten million cells is counted, not kept.
+    std::string longRow = "a,c\n1,y\n";
+    longRow.append(10'000'000, ',').append("\n");
+    const GalleryError cells = ErrorOf(
+        [&] { Dataset::FromText(QByteArrayView(longRow.data(), qsizetype(longRow.size())), "l"); });
+    EXPECT_EQ(cells.Line(), 3);
+    EXPECT_EQ(cells.Column(), 3);
+    EXPECT_TRUE(cells.Message().contains("the row has 10000001 cells, the header has 2"))
+        << cells.what();
+
+    CsvReader reader("a,\"b,\"\"c\",d , e\n", "r");
+    ASSERT_TRUE(reader.NextRow(2));
+    EXPECT_EQ(reader.CellCount(), 4U);
+    ASSERT_EQ(reader.Cells().size(), 2U);
+    EXPECT_EQ(reader.Cells()[0], "a");
+    EXPECT_EQ(reader.Cells()[1], "b,\"c");
+    EXPECT_FALSE(reader.NextRow(2));
 }
 
 TEST(GalleryDataset, ReadsQuotedNamesAnyColumnAndChoosesThePositiveClass) {

@@ -6,6 +6,7 @@
 #include "testsupport.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QFile>
@@ -598,4 +599,43 @@ TEST(ROCChartTest, SmallChartsThinTheirTicksShortenTitlesAndShrinkTheLegend) {
     EXPECT_GT(legend.width(), 0);
     const int titleHeight = Child<QLabel>(small.chart, "lblHLegend").height();
     EXPECT_GE(small.pic.width(), 0.6 * (230 - titleHeight - 48));
+}
+
+namespace {
+
+// A host window that opens a menu of its own on a right click.
+class HostWindow final : public QWidget {
+public:
+    int menus = 0;
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* pEvent) override {
+        ++menus;
+        pEvent->accept();
+    }
+};
+
+} // namespace
+
+TEST(ROCChartTest, ARightClickWithoutTheMenuGoesNowhereElseEither) {
+    HostWindow host;
+    auto* chart = new ROCChart(&host);
+    chart->resize(300, 300);
+    host.resize(320, 320);
+    host.show();
+    chart->SetShowTooltip(false);
+    auto& menu = Child<QMenu>(*chart, "ctxMain");
+    // On the chart itself and on its plot, whose events go up to the chart.
+    for (QWidget* target : {static_cast<QWidget*>(chart), &Child<QWidget>(*chart, "pic")}) {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(20, 20),
+                                target->mapToGlobal(QPoint(20, 20)));
+        QApplication::sendEvent(target, &event);
+        EXPECT_FALSE(menu.isVisible());
+        EXPECT_EQ(host.menus, 0);
+    }
+    chart->SetShowTooltip(true);
+    OpenMenu(*chart, QContextMenuEvent::Mouse);
+    EXPECT_TRUE(menu.isVisible());
+    EXPECT_EQ(host.menus, 0);
+    menu.hide();
 }

@@ -259,3 +259,22 @@ TEST_F(RTChartTest, BackColorReachesTheControl) {
     EXPECT_TRUE(chart.setProperty("ShowXAxis", true));
     EXPECT_TRUE(chart.ShowXAxis());
 }
+
+TEST_F(RTChartTest, LongNamesAreShownCutToWhatALabelCanShowButKeptWhole) {
+    const QString name = QStringLiteral("x").repeated(3'000'000);
+    mainAxis->Init(0, 1, false);
+    mainAxis->SetName(name);
+    const auto index = chart.AddSeries(nullptr, false, name);
+    chart.GetSeries(index)->Init(3, 0, 1, trv5::DripFeed, false);
+    chart.AddPoint(index, 0.5);
+    chart.resize(400, 300);
+    chart.Refresh();
+    const QStringList captions = chart.LegendCaptions();
+    ASSERT_EQ(captions.size(), 1);
+    EXPECT_LE(captions.front().size(), 2048);
+    EXPECT_TRUE(captions.front().startsWith(QStringLiteral("xxxx")));
+    EXPECT_TRUE(captions.front().endsWith(QChar(0x2026)));
+    // The name itself is the host's and is saved and exported whole.
+    EXPECT_EQ(chart.GetSeries(index)->Name().size(), name.size());
+    EXPECT_TRUE(chart.GetChartDataAsString().startsWith(name));
+}

@@ -2,6 +2,11 @@
 
 #include "testsupport.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
+
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -205,4 +210,132 @@ TEST(RTChartPersistence, ExportsByRecordWithOriginalValues) {
                                                            "7\t0.5\t4\r\n"
                                                            "8\t0.00000015\t\r\n"
                                                            "9\t2.5\t\r\n"));
+}
+
+TEST(RTChartPersistence, ClaimedCountsBeyondTheValuesNeverReachTheDrawing) {
+    const QString fragment = QStringLiteral(
+        "<rtchart seriescount='2' lastgeneration='0' linevalue=''><chartaxis><axis min='0' "
+        "max='1' issecax='0' name='A' format=''/></chartaxis><dataseries>"
+        "<series name='s' min='0' max='1' settype='0' drawsec='0' point='%1' colour='0' "
+        "count='%2' datatype='%3' lastpoint='%4'>1|2|3</series>"
+        "<series name='t' min='0' max='1' settype='0' drawsec='0' point='%1' colour='0' "
+        "count='%5' datatype='%3' lastpoint='%6'>%7</series></dataseries></rtchart>");
+    struct Case {
+        const char* point;
+        const char* count;
+        const char* dataType;
+        const char* lastPoint;
+        const char* secondCount;
+        const char* secondLastPoint;
+        const char* secondValues;
+    };
+    const Case cases[] = {
+        // Markers over a claimed count, a line to a claimed newest point, dots to both.
+        {"1", "2147483647", "1", "2", "3", "0", "1|2|3"},
+        {"0", "3", "0", "2147483647", "2147483647", "2147483647", "1"},
+        {"2", "1000000000", "0", "999999999", "5", "2147483647", "1|x"},
+        {"0", "1048576", "1", "2147483647", "1048576", "2147483647", ""},
+    };
+    for (const Case& c : cases) {
+        RTChart chart;
+        chart.resize(400, 300);
+        chart.FromString(
+            fragment.arg(QLatin1String(c.point), QLatin1String(c.count), QLatin1String(c.dataType),
+                         QLatin1String(c.lastPoint), QLatin1String(c.secondCount),
+                         QLatin1String(c.secondLastPoint), QLatin1String(c.secondValues)));
+        ASSERT_EQ(chart.SeriesCount(), 2) << c.count;
+        ASSERT_TRUE(chart.MainYAxis());
+        for (std::int32_t s = 0; s < 2; ++s) {
+            const auto series = chart.GetSeries(s);
+            // A count is never kept without the slots it names.
+            EXPECT_LE(static_cast<std::size_t>(std::max(series->Count(), 0)),
+                      series->Values().size())
+                << c.count << " series " << s;
+        }
+        // Every one of these redraws completes (they used to take minutes or never finished),
+        // and the export lists only rows some series holds.
+        chart.Refresh();
+        chart.Refresh();
+        const QStringList rows =
+            chart.GetChartDataAsString().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        EXPECT_LE(rows.size(), 1048577) << c.count;
+    }
+}
+
+TEST(RTChartPersistence, TheLineValueMisreadsButSettlesAndNeverCostsTheChart) {
+    ScopedLocale german(trv5::test::German());
+    const auto roundTrip = [](const QString& pText) {
+        RTChart chart;
+        chart.FromString(pText);
+        return chart.ToString();
+    };
+    for (double value : {0.9, 1.5e20, -2.5e-7, 1.5e308, 123456.75, 1e15}) {
+        RTChart chart;
+        BuildRun(chart);
+        chart.UpdateHorizontalLine(value);
+        const QString first = roundTrip(chart.ToString());
+        const QString second = roundTrip(first);
+        EXPECT_EQ(second, roundTrip(second)) << value;
+        EXPECT_EQ(first, second) << "settled after the first load: " << value;
+    }
+    // The required misreading of a plain decimal comma stays.
+    RTChart misread;
+    misread.FromString(QStringLiteral("<rtchart seriescount='0' lastgeneration='0' "
+                                      "linevalue='0,9'><chartaxis/><dataseries/></rtchart>"));
+    EXPECT_EQ(misread.LineValue(), 9.0);
+
+    // A value that cannot be read hides the line; axes and series load all the same.
+    // Likewise a last generation beyond the whole-number range.
+    {
+        RTChart source;
+        BuildRun(source);
+        QString saved = source.ToString();
+        saved.replace(QStringLiteral("lastgeneration='250'"),
+                      QStringLiteral("lastgeneration='99999999999'"));
+        RTChart chart;
+        chart.SetLastGenerationForCopy(5);
+        chart.FromString(saved);
+        EXPECT_EQ(chart.LastGenerationForCopy(), 5);
+        EXPECT_EQ(chart.SeriesCount(), 2);
+    }
+    for (const char* text : {"1,5E+308", "9,9E+999", "1e400", "abc"}) {
+        RTChart source;
+        BuildRun(source);
+        QString saved = source.ToString();
+        saved.replace(QRegularExpression(QStringLiteral("linevalue='[^']*'")),
+                      QStringLiteral("linevalue='%1'").arg(QLatin1String(text)));
+        RTChart chart;
+        chart.FromString(saved);
+        EXPECT_EQ(chart.SeriesCount(), 2) << text;
+        EXPECT_TRUE(chart.MainYAxis() && chart.SecondaryYAxis()) << text;
+        EXPECT_TRUE(chart.DataChanged()) << text;
+    }
+    RTChart largest;
+    largest.FromString(QStringLiteral("<rtchart seriescount='0' lastgeneration='0' "
+                                      "linevalue='1,5E+308'><chartaxis/><dataseries/></rtchart>"));
+    EXPECT_TRUE(largest.LineShown());
+    EXPECT_EQ(largest.LineValue(), 1.5e308);
+}
+
+TEST(RTChartPersistence, ExportAfterClearingSeriesZeroKeepsTheOtherSeriesRows) {
+    RTChart chart;
+    BuildRun(chart);
+    chart.SetLastGenerationForCopy(0);
+    chart.ClearSeriesData(0);
+    EXPECT_EQ(chart.GetChartDataAsString(),
+              QStringLiteral("Best\tAverage\tUnused\r\n0\t0.25\t0\r\n0\t0.375\t0\r\n"
+                             "0\t0.4375\t0\r\n"));
+
+    RTChart records;
+    for (const char* name : {"Target", "Model"}) {
+        records.GetSeries(records.AddSeries(nullptr, false, QString::fromLatin1(name)))
+            ->Init(3, 0, 1, trv5::Bulk, false);
+    }
+    records.SetSeriesData2(0, std::vector<double>{1, 0, 1}, std::vector<std::int32_t>{4, 5, 6});
+    records.SetSeriesData2(1, std::vector<double>{0.5, 0.25, 0.75},
+                           std::vector<std::int32_t>{4, 5, 6});
+    records.ClearSeriesData(0);
+    EXPECT_EQ(records.GetChartDataAsString(),
+              QStringLiteral("Record ID\tTarget\tModel\r\n0\t0\t0.5\r\n0\t0\t0.25\r\n"
+                             "0\t0\t0.75\r\n"));
 }

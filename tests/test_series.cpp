@@ -217,3 +217,57 @@ TEST(Series, DamagedFragmentsNeverAllocateBeyondWhatTheTextHolds) {
         EXPECT_EQ(series.GetValue(0), 5) << "the comma is the fixed culture's group separator";
     }
 }
+
+TEST(Series, AShortElementGetsItsSlotsUpToACapAndClaimsBeyondItChangeNothing) {
+    const QString head = QStringLiteral("<series name='s' min='0' max='1' settype='0' drawsec='0' "
+                                        "point='0' colour='0' count='%1' datatype='0' "
+                                        "lastpoint='%2'>%3</series>");
+    Series series;
+    series.FromString(head.arg(QStringLiteral("3"), QStringLiteral("2"), QStringLiteral("7|8|0")));
+    ASSERT_TRUE(series.DataReady());
+
+    // Fewer texts than slots: the slots are there, filled as far as the texts go.
+    series.FromString(head.arg(QStringLiteral("4"), QStringLiteral("1"), QStringLiteral("5|6")));
+    EXPECT_EQ(Slots(series), (std::vector<double>{5, 6, 0, 0}));
+    EXPECT_EQ(series.Count(), 4);
+    EXPECT_EQ(series.LastPoint(), 1);
+
+    // Up to the cap even without a single text.
+    series.FromString(head.arg(QStringLiteral("1048576"), QStringLiteral("3"), QString()));
+    EXPECT_EQ(series.Values().size(), 1048576U);
+    EXPECT_EQ(series.Count(), 1048576);
+
+    // Beyond the cap without texts to back it: the count and the newest point claimed are not
+    // taken, so nothing is left that would make a redraw walk billions of points.
+    Series fresh;
+    fresh.FromString(head.arg(QStringLiteral("2147483647"), QStringLiteral("2147483647"),
+                              QStringLiteral("1|2|3")));
+    EXPECT_TRUE(fresh.Values().empty());
+    EXPECT_EQ(fresh.Count(), 0);
+    EXPECT_EQ(fresh.LastPoint(), -1);
+    EXPECT_FALSE(fresh.DataReady());
+    EXPECT_EQ(fresh.Name(), QStringLiteral("s"));
+
+    series.FromString(
+        head.arg(QStringLiteral("1048577"), QStringLiteral("9"), QStringLiteral("1")));
+    EXPECT_EQ(series.Count(), 1048576) << "the earlier state stays";
+    EXPECT_EQ(series.LastPoint(), 3);
+}
+
+TEST(Series, NamesKeepEveryCharacterThroughSaveAndLoad) {
+    for (const QString& name :
+         {QString(QChar(0xFEFF)) + QStringLiteral("lead"), QStringLiteral("tail") + QChar(0xFEFF),
+          QString(QChar(0xFEFF)), QStringLiteral(" spaced \t<&'\"> \r\n lines \n"),
+          QStringLiteral("\xF0\x9F\x93\x88 chart")}) {
+        Series series;
+        series.Init(1, 0, 1, trv5::Bulk, false);
+        series.SetName(name);
+        series.SetData(std::vector<double>{1});
+        Series restored;
+        restored.FromString(series.ToString());
+        EXPECT_EQ(restored.Name(), name) << series.ToString().toStdString();
+        Series again;
+        again.FromString(restored.ToString());
+        EXPECT_EQ(again.Name(), name);
+    }
+}

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 using trv5::platform::XmlDocument;
 using trv5::platform::XmlNode;
 
@@ -104,4 +106,19 @@ TEST(XmlDocument, DeeplyNestedInputDoesNotExhaustTheStack) {
     ASSERT_TRUE(document.LoadXml(std::string_view(text)));
     EXPECT_EQ(document.DocumentElement().Text(), "deep");
     EXPECT_TRUE(document.SelectSingleNode("//rtchart/chartaxis/axis").IsNull());
+}
+
+TEST(XmlDocument, RepeatedAttributesAreFoundAmongHundredsOfThousands) {
+    // 200,000 attributes: checked pairwise this took minutes.
+    std::string text = "<a><b";
+    for (int i = 0; i < 200'000; ++i) {
+        text += " n" + std::to_string(i) + "='v'";
+    }
+    XmlDocument document;
+    EXPECT_TRUE(document.LoadXml(std::string_view(text + "/></a>")));
+    EXPECT_FALSE(document.LoadXml(std::string_view(text + " n123456='w'/></a>")));
+    EXPECT_FALSE(document.LoadXml(std::string_view(text + " n0='w'/></a>")));
+    // Small elements, compared pairwise, still catch a repeat at either end.
+    EXPECT_FALSE(document.LoadXml(std::string_view("<a><b p='1' q='2' r='3' p='4'/></a>")));
+    EXPECT_TRUE(document.LoadXml(std::string_view("<a><b p='1' q='2'/><c p='1' q='2'/></a>")));
 }

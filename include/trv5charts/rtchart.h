@@ -228,6 +228,8 @@ private:
                   std::span<const std::int32_t> pIndexes, const Replacements& pReplacements);
     void RecomputeAxisRanges();
     void AppendXml(std::string& pOut);
+    // The most value slots any series of the chart holds: what bounds the rows of the export.
+    std::size_t MostValuesHeld() const;
     void AppendGenerationRows(std::string& pOut);
     void AppendRecordRows(std::string& pOut);
     void ApplyBackColor(QWidget* pWidget) const;

@@ -123,7 +123,7 @@ private:
     // per series. Both throw on failure; the reader keeps what it read before the damage.
     void AppendXml(std::string& pOut);
     void ReadElement(const platform::XmlNode& pElement);
-    void ReadValues(std::string_view pText);
+    void ReadValues(std::int32_t pCount, std::int32_t pLastPoint, std::string_view pText);
 
     std::vector<double> m_values;
     bool m_valuesAllocated = false;

@@ -5,6 +5,8 @@
 #include <trv5charts/charterror.h>
 #include <trv5charts/localizationlib.h>
 
+#include <QStringDecoder>
+
 #include <charconv>
 #include <cstring>
 
@@ -49,7 +51,10 @@ std::string ToUtf8(const QString& pText) {
 }
 
 QString FromUtf8(std::string_view pText) {
-    return QString::fromUtf8(pText.data(), static_cast<qsizetype>(pText.size()));
+    // QString::fromUtf8 drops a byte order mark at the start, which would take a leading U+FEFF
+    // off a name at every load; here it is a character like any other.
+    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
+    return decoder.decode(QByteArrayView(pText.data(), static_cast<qsizetype>(pText.size())));
 }
 
 void SetNumberAttribute(platform::XmlNode& pElement, int pIndex, double pValue) {

@@ -90,6 +90,9 @@ void HostedChartFrame::CopyData() {
 }
 
 void HostedChartFrame::CopyImage() {
+    if (mChart->Widget() == nullptr) {
+        return;
+    }
     CopyControlPicture(mChart->Widget());
 }
 
@@ -132,15 +135,21 @@ void HostedChartFrame::WriteProperties(QVariantMap& pProperties) const {
 }
 
 void HostedChartFrame::Dispose() {
-    mChart->ClearContent();
+    // The host may have destroyed the engine control already; there is nothing left to empty.
+    if (mChart->HasControl()) {
+        mChart->ClearContent();
+    }
 }
 
 void HostedChartFrame::LayoutEngine() {
+    QWidget* engine = mChart->Widget();
+    if (engine == nullptr) {
+        return;
+    }
     // A chart narrower than twice the margin leaves the engine no room: it gets no area rather
     // than the negative size that would make it paint into nothing.
-    mChart->Widget()->setGeometry(kEngineMargin, kEngineMargin,
-                                  std::max(width() - 2 * kEngineMargin, 0),
-                                  std::max(height() - 2 * kEngineMargin, 0));
+    engine->setGeometry(kEngineMargin, kEngineMargin, std::max(width() - 2 * kEngineMargin, 0),
+                        std::max(height() - 2 * kEngineMargin, 0));
     update();
 }
 
@@ -167,8 +176,9 @@ void HostedChartFrame::paintEvent(QPaintEvent* pEvent) {
                                  .arg(title.isEmpty() ? QStringLiteral("Chart") : title)
                                  .arg(series)
                                  .arg(points));
-    if (m_drawBorder) {
-        platform::PaintFrameBorder(*this, mChart->Widget()->geometry());
+    const QWidget* engine = mChart->Widget();
+    if (m_drawBorder && engine != nullptr) {
+        platform::PaintFrameBorder(*this, engine->geometry());
     }
 }
 

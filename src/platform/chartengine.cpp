@@ -20,6 +20,12 @@ namespace trv5::platform {
 
 namespace {
 
+bool HasTooltip(const ChartSeries& pSeries, int pIndex) {
+    const PointTexts& texts = pSeries.Texts();
+    return pIndex >= 0 && static_cast<std::size_t>(pIndex) < texts.Count() &&
+           !texts.Utf8(static_cast<std::size_t>(pIndex)).empty();
+}
+
 constexpr int kPrinterError = 482;
 // How far from a marker's edge the mouse may rest and still get its tooltip.
 constexpr double kHitTolerance = 3.0;
@@ -326,7 +332,18 @@ ChartEngine::~ChartEngine() {
 }
 
 QWidget* ChartEngine::Widget() const {
-    return m_state->plot;
+    return m_state->plotGuard.data();
+}
+
+bool ChartEngine::HasControl() const {
+    return !m_state->plotGuard.isNull();
+}
+
+void ChartEngine::RequireControl() const {
+    if (!HasControl()) {
+        throw ChartError(ChartError::ObjectNotSet,
+                         QStringLiteral("The chart engine control is gone"));
+    }
 }
 
 void ChartEngine::LoadContent(const QString& pPath) {
@@ -456,7 +473,7 @@ void ChartEngine::Refresh() {
 
 QImage ChartEngine::Render(const QSize& pSize) {
     QCustomPlot* plot = m_state->plot;
-    if (pSize.width() <= 0 || pSize.height() <= 0) {
+    if (!HasControl() || pSize.width() <= 0 || pSize.height() <= 0) {
         return {};
     }
     m_state->Sync();
@@ -464,10 +481,11 @@ QImage ChartEngine::Render(const QSize& pSize) {
 }
 
 QImage ChartEngine::Render() {
-    return Render(m_state->plot->size());
+    return HasControl() ? Render(m_state->plot->size()) : QImage();
 }
 
 void ChartEngine::Print(QPaintDevice& pDevice) {
+    RequireControl();
     QCustomPlot* plot = m_state->plot;
     QCPPainter painter;
     if (!painter.begin(&pDevice)) {
@@ -506,10 +524,10 @@ void ChartEngine::PrintPreview(QWidget* pParent) {
     dialog.exec();
 }
 
-std::optional<PointHit> ChartEngine::HitTest(QPointF pPosition) {
+std::optional<PointHit> ChartEngine::HitTest(QPointF pPosition, bool pWithTooltipOnly) {
     EngineState& state = *m_state;
     QCustomPlot* plot = state.plot;
-    if (!std::isfinite(pPosition.x()) || !std::isfinite(pPosition.y())) {
+    if (!HasControl() || !std::isfinite(pPosition.x()) || !std::isfinite(pPosition.y())) {
         return std::nullopt;
     }
     state.Sync();
@@ -542,9 +560,12 @@ std::optional<PointHit> ChartEngine::HitTest(QPointF pPosition) {
             }
             const double distance = std::hypot(at.x() - pPosition.x(), at.y() - pPosition.y());
             if (distance <= radius && distance < bestDistance) {
+                const int index = state.PointIndex(target, it - data->constBegin());
+                if (pWithTooltipOnly && !HasTooltip(series, index)) {
+                    continue;
+                }
                 bestDistance = distance;
-                best = PointHit{static_cast<int>(s),
-                                state.PointIndex(target, it - data->constBegin())};
+                best = PointHit{static_cast<int>(s), index};
             }
         }
     }
@@ -552,7 +573,9 @@ std::optional<PointHit> ChartEngine::HitTest(QPointF pPosition) {
 }
 
 QString ChartEngine::TooltipAt(QPointF pPosition) {
-    const std::optional<PointHit> hit = HitTest(pPosition);
+    // Only points that have something to say: the end points of a regression or threshold
+    // line carry no text and must not hide the record drawn under them.
+    const std::optional<PointHit> hit = HitTest(pPosition, true);
     return hit ? Series(hit->series).Tooltip(hit->index) : QString();
 }
 
@@ -561,7 +584,7 @@ QPointF ChartEngine::PointPosition(int pSeries, int pIndex) {
     const double argument = series.Argument(pIndex);
     const double value = series.Value(pIndex);
     QCustomPlot* plot = m_state->plot;
-    if (!std::isfinite(argument) || !std::isfinite(value)) {
+    if (!HasControl() || !std::isfinite(argument) || !std::isfinite(value)) {
         const double nan = std::numeric_limits<double>::quiet_NaN();
         return {nan, nan};
     }
@@ -571,7 +594,7 @@ QPointF ChartEngine::PointPosition(int pSeries, int pIndex) {
 
 int ChartEngine::LabelsDrawn() const {
     const PointLabelLayer* labels = m_state->labels;
-    return labels != nullptr ? labels->Drawn() : 0;
+    return labels != nullptr && HasControl() ? labels->Drawn() : 0;
 }
 
 bool ChartEngine::eventFilter(QObject* pWatched, QEvent* pEvent) {

@@ -201,8 +201,11 @@ public:
     ChartEngine(const ChartEngine&) = delete;
     ChartEngine& operator=(const ChartEngine&) = delete;
 
-    // The engine control, to be placed and sized by its owner.
+    // The engine control, to be placed and sized by its owner; nullptr once something else has
+    // deleted it. Without the control the engine keeps its content but draws nothing: rendering
+    // gives a null image, hit tests find nothing and printing throws ChartError 91.
     QWidget* Widget() const;
+    bool HasControl() const;
 
     // ---- content ----
     // Replace the whole content (series, titles, axes, legend, backgrounds) with the "Content"
@@ -258,9 +261,10 @@ public:
 
     // ---- hit testing (in control pixels, against the last frame's layout) ----
     // The point nearest to pPosition among the visible series whose marker it touches, within a
-    // few pixels of tolerance; a later series wins over an earlier one at equal distance.
-    std::optional<PointHit> HitTest(QPointF pPosition);
-    // The tooltip at a position: the hit point's text, or empty.
+    // few pixels of tolerance; a later series wins over an earlier one at equal distance. With
+    // pWithTooltipOnly, points without a tooltip text are passed over.
+    std::optional<PointHit> HitTest(QPointF pPosition, bool pWithTooltipOnly = false);
+    // The tooltip at a position: the text of the nearest point that has one, or empty.
     QString TooltipAt(QPointF pPosition);
     // Where a point is drawn in control pixels (NaN when it is not drawable).
     QPointF PointPosition(int pSeries, int pIndex);
@@ -276,6 +280,8 @@ protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
+    void RequireControl() const;
+
     std::unique_ptr<EngineState> m_state;
 };
 

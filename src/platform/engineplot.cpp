@@ -411,7 +411,7 @@ EngineState::~EngineState() {
 }
 
 void EngineState::Invalidate() {
-    if (!syncing) {
+    if (!syncing && plotGuard) {
         plot->replot(QCustomPlot::rpQueuedReplot);
     }
 }
@@ -439,7 +439,8 @@ QColor EngineState::SeriesColour(std::size_t pIndex) const {
 
 void EngineState::RemoveSeries() {
     for (SeriesPlot& each : plots) {
-        if (each.graph != nullptr) {
+        // The graphs went with the engine control when it is gone.
+        if (each.graph != nullptr && plotGuard) {
             plot->removePlottable(each.graph);
         }
     }
@@ -464,6 +465,11 @@ void EngineState::CreateTitles(const std::vector<TitleDefinition>& pDefinitions)
     // The charts address titles 0 to 3 whatever the file gave.
     while (titles.size() < 4) {
         titles.emplace_back(new ChartTitle(*this, TitleDefinition{}));
+    }
+    if (!plotGuard) {
+        // The title elements belonged to the engine control's layout and went with it.
+        titleElements.clear();
+        return;
     }
     while (titleElements.size() > titles.size()) {
         TitleElement* surplus = titleElements.back();
@@ -697,7 +703,7 @@ void EngineState::SyncAxis(const ChartAxis& pAxis, QCPAxis& pPlotAxis, bool pHor
 }
 
 void EngineState::Sync() {
-    if (syncing) {
+    if (syncing || !plotGuard) {
         return;
     }
     syncing = true;

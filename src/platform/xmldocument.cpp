@@ -2,7 +2,9 @@
 
 #include <trv5charts/charterror.h>
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
+#include <vector>
 
 namespace trv5::platform {
 
@@ -62,22 +64,35 @@ void AppendText(pugi::xml_node pNode, std::string& pOut) {
     });
 }
 
-bool HasUniqueAttributeNames(pugi::xml_node pNode) {
+// Elements of the saved formats have a dozen attributes at most, compared pairwise; a longer
+// list, which only damaged or hostile text has, is sorted so that the check stays n log n.
+constexpr std::size_t kPairwiseAttributes = 16;
+
+bool HasUniqueAttributeNames(pugi::xml_node pNode, std::vector<std::string_view>& pScratch) {
+    pScratch.clear();
     for (pugi::xml_attribute a = pNode.first_attribute(); a; a = a.next_attribute()) {
-        for (pugi::xml_attribute b = a.next_attribute(); b; b = b.next_attribute()) {
-            if (std::strcmp(a.name(), b.name()) == 0) {
-                return false;
+        pScratch.emplace_back(a.name());
+    }
+    if (pScratch.size() <= kPairwiseAttributes) {
+        for (std::size_t i = 0; i < pScratch.size(); ++i) {
+            for (std::size_t j = i + 1; j < pScratch.size(); ++j) {
+                if (pScratch[i] == pScratch[j]) {
+                    return false;
+                }
             }
         }
+        return true;
     }
-    return true;
+    std::sort(pScratch.begin(), pScratch.end());
+    return std::adjacent_find(pScratch.begin(), pScratch.end()) == pScratch.end();
 }
 
 // Well-formed XML names each attribute of an element once; pugixml does not check that.
 bool HasUniqueAttributes(pugi::xml_node pRoot) {
-    bool unique = HasUniqueAttributeNames(pRoot);
+    std::vector<std::string_view> scratch;
+    bool unique = HasUniqueAttributeNames(pRoot, scratch);
     WalkDescendants(pRoot, [&](pugi::xml_node pNode) {
-        unique = HasUniqueAttributeNames(pNode);
+        unique = HasUniqueAttributeNames(pNode, scratch);
         return unique;
     });
     return unique;

@@ -524,7 +524,9 @@ void ROCChart::PlaceLegendColumn(const roc::Layout& pLayout) {
 
 void ROCChart::contextMenuEvent(QContextMenuEvent* pEvent) {
     if (!m_showMenu) {
-        pEvent->ignore();
+        // Taken and dropped: an ignored event would travel on to the host, whose own menu
+        // would then open over the chart.
+        pEvent->accept();
         return;
     }
     // Printing is not offered from this menu; the quantity entry only when the host asked.

@@ -298,4 +298,16 @@ ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetric
     return layout;
 }
 
+QString VisibleCaption(const QString& pText) {
+    if (pText.size() <= kMaxCaptionLength) {
+        return pText;
+    }
+    qsizetype keep = kMaxCaptionLength - 1;
+    // Never split a surrogate pair.
+    if (pText.at(keep - 1).isHighSurrogate()) {
+        --keep;
+    }
+    return pText.left(keep) + QChar(0x2026);
+}
+
 } // namespace trv5::rtchart

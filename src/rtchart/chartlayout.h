@@ -69,6 +69,14 @@ struct ChartLayout {
 
 ChartLayout ComputeLayout(const LayoutInput& pInput, const QFontMetrics& pMetrics);
 
+// More characters than any screen can show on one line of a label.
+inline constexpr qsizetype kMaxCaptionLength = 2048;
+
+// pText as a label shows it: cut to kMaxCaptionLength characters with an ellipsis when it is
+// longer. Names are free text from the host or from saved state, and measuring and laying out a
+// name of millions of characters would cost gigabytes for what no one can see.
+QString VisibleCaption(const QString& pText);
+
 // A round step (1, 2 or 5 times a power of ten) of at least pRoughStep.
 double NiceStep(double pRoughStep);
 

@@ -7,6 +7,7 @@
 #include "platform/drawingsurface.h"
 #include "platform/focusmark.h"
 #include "platform/xmldocument.h"
+#include "rtchart/chartlayout.h"
 #include "rtchart/plotframe.h"
 
 #include <trv5charts/axisrange.h>
@@ -22,6 +23,7 @@
 #include <QLabel>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace trv5 {
@@ -39,6 +41,27 @@ void AppendUserNumber(std::string& pOut, double pValue, char pDecimalPoint) {
     char buffer[numbertext::kMaxDoubleText];
     const char* end = numbertext::WriteDouble(buffer, pValue, pDecimalPoint);
     pOut.append(buffer, static_cast<std::size_t>(end - buffer));
+}
+
+// The reference line's saved value. It is written in the user's locale and read in the fixed
+// culture, so under a decimal comma "0,9" reads as 9; hosts have always had it so. Two cases
+// are read the way the text was written instead: an exponent form holding the user's decimal
+// point, whose misreading would move the point one more place at every save and load until the
+// value overflows, and a text the fixed culture cannot read at all. nullopt when neither reads.
+std::optional<double> ReadLineValue(std::string_view pText) {
+    const char decimalPoint = LocalizationLib::UserDecimalPointChar();
+    const bool exponent = pText.find_first_of("eE") != std::string_view::npos;
+    double value = 0.0;
+    const bool userPoint =
+        decimalPoint != '.' && pText.find(decimalPoint) != std::string_view::npos;
+    if (!(exponent && userPoint) &&
+        numbertext::ParseDouble(pText, '.', ',', value) == numbertext::ParseStatus::Ok) {
+        return value;
+    }
+    if (numbertext::ParseDouble(pText, decimalPoint, '\0', value) == numbertext::ParseStatus::Ok) {
+        return value;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -185,7 +208,7 @@ std::int32_t RTChart::AddSeries(std::shared_ptr<Series> pSeries, bool pDrawOnSec
     // The caption goes to the highest label, which after a Reset is not the new series' own
     // label; the legend is laid out from all visible labels, so the order stays right.
     QLabel* label = lblLegend.back();
-    label->setText(pSeries->Name());
+    label->setText(rtchart::VisibleCaption(pSeries->Name()));
     ApplyBackColor(label);
     label->setVisible(true);
 
@@ -399,7 +422,7 @@ void RTChart::AddHorizontalLine(double pValue, const QString& pLegendText,
     m_lineShown = mnuShowLine->isChecked();
     m_lineValue = pValue;
     lblLineLegend->setVisible(m_lineShown);
-    lblLineLegend->setText(pLegendText);
+    lblLineLegend->setText(rtchart::VisibleCaption(pLegendText));
     QPalette palette = lblLineLegend->palette();
     palette.setColor(QPalette::WindowText, platform::ToQColor(m_lineColour));
     lblLineLegend->setPalette(palette);
@@ -512,13 +535,22 @@ void RTChart::FromString(const QString& pText) {
         const platform::XmlNode root = document.DocumentElement();
         const int attributes = root.AttributeCount();
         if (attributes >= 2) {
-            m_lastGeneration = serialization::ReadWhole(root.AttributeValue(1));
+            // A last generation that cannot be read keeps the one the chart had; it is no reason
+            // to lose the axes and series that follow.
+            serialization::RunTrapped(
+                [&] { m_lastGeneration = serialization::ReadWhole(root.AttributeValue(1)); });
         }
         if (attributes >= 3) {
             const std::string_view lineValue = root.AttributeValue(2);
             m_lineShown = !lineValue.empty();
             if (m_lineShown) {
-                m_lineValue = serialization::ReadNumber(lineValue);
+                // A line value that cannot be read hides the line; it never costs the chart its
+                // axes and series.
+                const std::optional<double> value = ReadLineValue(lineValue);
+                m_lineShown = value.has_value();
+                if (value) {
+                    m_lineValue = *value;
+                }
             }
         }
 
@@ -602,17 +634,28 @@ void AppendCell(std::string& pOut, const std::shared_ptr<Series>& pSeries, Read&
 
 } // namespace
 
+std::size_t RTChart::MostValuesHeld() const {
+    std::size_t most = 0;
+    for (std::int32_t s = 0; s < m_seriesCount; ++s) {
+        if (const std::shared_ptr<Series>& series = m_series[static_cast<std::size_t>(s)]) {
+            most = std::max(most, series->Values().size());
+        }
+    }
+    return most;
+}
+
 void RTChart::AppendGenerationRows(std::string& pOut) {
     const char decimalPoint = LocalizationLib::UserDecimalPointChar();
     const std::size_t count = static_cast<std::size_t>(m_seriesCount);
     AppendHeader(pOut, m_lastGeneration != 0 ? kGenerationHeader : nullptr, m_series,
                  m_seriesCount);
     const std::shared_ptr<Series>& first = m_series[0];
-    // Rows stop at the last value slot series 0 really has: a damaged saved state may claim a
-    // newest point far beyond its values, and that claim must not turn into billions of rows.
+    // Rows stop at the last value slot that some series really has: a damaged saved state may
+    // claim a newest point far beyond its values, and that claim must not turn into billions of
+    // rows, while a series 0 whose data were cleared still lists the other series' values.
     const std::int32_t last =
         first ? static_cast<std::int32_t>(std::clamp<std::int64_t>(
-                    first->LastPoint(), -1, static_cast<std::int64_t>(first->Values().size()) - 1))
+                    first->LastPoint(), -1, static_cast<std::int64_t>(MostValuesHeld()) - 1))
               : -1;
     pOut.reserve(pOut.size() + static_cast<std::size_t>(last + 1) * count * 20);
     for (std::int32_t r = 0; r <= last; ++r) {
@@ -637,9 +680,9 @@ void RTChart::AppendRecordRows(std::string& pOut) {
     const char decimalPoint = LocalizationLib::UserDecimalPointChar();
     const std::size_t count = static_cast<std::size_t>(m_seriesCount);
     AppendHeader(pOut, kRecordHeader, m_series, m_seriesCount);
-    // As above: the rows are the values series 0 has, whatever count it claims.
-    const std::int32_t rows = static_cast<std::int32_t>(std::min<std::int64_t>(
-        m_series[0]->Count(), static_cast<std::int64_t>(m_series[0]->Values().size())));
+    // As above: the rows are bounded by the values some series has, whatever count it claims.
+    const std::int32_t rows = static_cast<std::int32_t>(
+        std::min<std::int64_t>(m_series[0]->Count(), static_cast<std::int64_t>(MostValuesHeld())));
     pOut.reserve(pOut.size() + static_cast<std::size_t>(std::max(rows, 0)) * (count + 1) * 20);
     for (std::int32_t r = 0; r < rows; ++r) {
         try {

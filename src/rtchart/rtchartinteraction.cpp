@@ -4,6 +4,7 @@
 
 #include "platform/chartmenu.h"
 #include "platform/drawingsurface.h"
+#include "rtchart/chartlayout.h"
 
 #include <trv5charts/charterror.h>
 #include <trv5charts/localizationlib.h>
@@ -131,7 +132,7 @@ QString RTChart::PointToolTip(std::int32_t pSeriesIndex, double pUserX) const {
     const auto user = [](double pValue) {
         return LocalizationLib::DoubleToUserText(pValue);
     };
-    const QString head = series.Name() + QStringLiteral(", Point ");
+    const QString head = rtchart::VisibleCaption(series.Name()) + QStringLiteral(", Point ");
     try {
         if (series.HasOriginalData()) {
             // Standardized values are drawn; the host's own value comes first.

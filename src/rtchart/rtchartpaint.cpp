@@ -51,7 +51,7 @@ rtchart::ValueAxisInfo AxisInfo(const std::shared_ptr<Axis>& pAxis) {
     if (info.percent) {
         info.topText = pAxis->MaxValueFormatted();
     }
-    info.title = pAxis->Name();
+    info.title = rtchart::VisibleCaption(pAxis->Name());
     return info;
 }
 

@@ -35,6 +35,9 @@ enum AttributePosition {
 // of that size would make the series unreadable next to the others.
 constexpr double kPrepareLimit = 9'000'000.0;
 
+// How many value slotCount a saved series may claim beyond the values its element holds (8 MiB).
+constexpr std::size_t kMaxUnbackedSlots = 1'048'576;
+
 double At(std::span<const double> pValues, std::int32_t pIndex) {
     if (pIndex < 0 || static_cast<std::size_t>(pIndex) >= pValues.size()) {
         throw ChartError(ChartError::IndexOutOfRange);
@@ -273,33 +276,43 @@ void Series::ReadElement(const platform::XmlNode& pElement) {
     m_drawOnSecondaryAxis = serialization::ReadBool(pElement.AttributeValue(kDrawSecondary));
     m_point = static_cast<PointType>(serialization::ReadWhole(pElement.AttributeValue(kPoint)));
     m_colour = serialization::ReadWhole(pElement.AttributeValue(kColour));
-    m_count = serialization::ReadWhole(pElement.AttributeValue(kCount));
+    const std::int32_t count = serialization::ReadWhole(pElement.AttributeValue(kCount));
     m_dataType =
         static_cast<XSeriesDataType>(serialization::ReadWhole(pElement.AttributeValue(kDataType)));
-    m_lastPoint = serialization::ReadWhole(pElement.AttributeValue(kLastPoint));
-    ReadValues(pElement.Text());
+    const std::int32_t lastPoint = serialization::ReadWhole(pElement.AttributeValue(kLastPoint));
+    ReadValues(count, lastPoint, pElement.Text());
 }
 
-void Series::ReadValues(std::string_view pText) {
-    // A loaded series has Count slots, one fewer than a drip-feed ring: the mirror slot only
-    // matters while points are still arriving.
-    if (m_count <= 0) {
+void Series::ReadValues(std::int32_t pCount, std::int32_t pLastPoint, std::string_view pText) {
+    // The count and the newest point are only claims of the text. They are taken together with
+    // the slotCount they describe, so that a claim the series cannot hold never outlives the load:
+    // a count without slotCount would make every redraw walk billions of points.
+    if (pCount <= 0) {
         throw ChartError(ChartError::IndexOutOfRange);
     }
-    // The count is only a claim of the text; the values themselves must back it before any
-    // memory is set aside for them.
     const std::size_t available =
         pText.empty() ? 0
                       : static_cast<std::size_t>(std::count(pText.begin(), pText.end(), '|')) + 1;
-    if (static_cast<std::size_t>(m_count) > available) {
+    const auto slotCount = static_cast<std::size_t>(pCount);
+    // A short element still gets its slotCount, filled as far as its texts go, up to a fixed cap;
+    // beyond it the slotCount must be backed by texts before any memory is set aside.
+    if (slotCount > available && slotCount > kMaxUnbackedSlots) {
         throw ChartError(
             ChartError::IndexOutOfRange,
-            QStringLiteral("The series claims %1 values but holds %2").arg(m_count).arg(available));
+            QStringLiteral("The series claims %1 values but holds %2").arg(pCount).arg(available));
     }
-    m_values.assign(static_cast<std::size_t>(m_count), 0.0);
+    // A loaded series has Count slotCount, one fewer than a drip-feed ring: the mirror slot only
+    // matters while points are still arriving.
+    m_values.assign(slotCount, 0.0);
     m_valuesAllocated = true;
+    m_count = pCount;
+    m_lastPoint = pLastPoint;
     std::size_t start = 0;
     for (std::size_t i = 0; i < m_values.size(); ++i) {
+        if (i >= available) {
+            // Too few texts: the values read so far stay, the remaining slotCount hold 0.
+            throw ChartError(ChartError::IndexOutOfRange);
+        }
         std::size_t end = pText.find('|', start);
         if (end == std::string_view::npos) {
             end = pText.size();

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -44,7 +45,36 @@ struct PolylinePoints {
     }
 };
 
-PolylinePoints PointsOf(Series& pSeries) {
+// The last point index that can show on the surface: the right edge of the horizontal scale,
+// plus pMargin user units for what is drawn around a point, plus the point beyond the edge that
+// the last visible segment runs to. A series that holds no values draws zeros at every index it
+// claims, and this is what keeps such a claim from costing more than the plot's width.
+std::int64_t LastVisibleIndex(const DrawingSurface& pSurface, double pMargin) {
+    const double right =
+        std::max(pSurface.ScaleLeft(), pSurface.ScaleLeft() + pSurface.ScaleWidth());
+    const double last = std::floor(right + std::fabs(pMargin)) + 1.0;
+    if (!std::isfinite(last) || last < -1.0) {
+        return -1; // a scale that cannot place anything
+    }
+    return last > 2147483647.0 ? 2147483647 : static_cast<std::int64_t>(last);
+}
+
+// The index step at which points that read 0 everywhere still touch or overlap on the surface:
+// drawing every point of a series without values would put thousands of identical shapes on
+// each pixel column.
+std::int64_t ZeroPointStep(const DrawingSurface& pSurface) {
+    const double pixelsPerIndex = std::fabs(
+        pSurface.ScaleX(1.0, DrawingSurface::ScaleMode::User, DrawingSurface::ScaleMode::Pixel));
+    if (!(pixelsPerIndex > 0.0) || !std::isfinite(pixelsPerIndex)) {
+        return std::numeric_limits<std::int32_t>::max(); // nothing can be seen between the ends
+    }
+    if (pixelsPerIndex >= 1.0) {
+        return 1;
+    }
+    return static_cast<std::int64_t>(std::min(std::floor(1.0 / pixelsPerIndex), 1e9));
+}
+
+PolylinePoints PointsOf(DrawingSurface& pSurface, Series& pSeries) {
     PolylinePoints points;
     points.values = pSeries.Values();
     points.ready = pSeries.DataReady();
@@ -53,9 +83,13 @@ PolylinePoints PointsOf(Series& pSeries) {
     const std::int64_t last = pSeries.SetType() == Bulk
                                   ? static_cast<std::int64_t>(pSeries.Count()) - 1
                                   : static_cast<std::int64_t>(pSeries.LastPoint());
-    points.requestedLast = last;
-    points.last =
-        points.ready ? std::min(last, static_cast<std::int64_t>(points.values.size()) - 1) : last;
+    if (points.ready) {
+        points.requestedLast = last;
+        points.last = std::min(last, static_cast<std::int64_t>(points.values.size()) - 1);
+    } else {
+        points.last = std::min(last, LastVisibleIndex(pSurface, 0.0));
+        points.requestedLast = points.last;
+    }
     return points;
 }
 
@@ -99,6 +133,21 @@ IndexRange IndexesNear(const DrawingSurface::DeviceMapping& pMapping, std::int64
     return {first, last};
 }
 
+// The indexes 0, pStep, 2 pStep, ... up to pLast, and pLast itself so that the last point is
+// drawn, as far as they fall in pRange. Drawing only a window picks the same indexes as drawing
+// them all, so a window looks exactly like that part of the whole.
+template <class Draw>
+void ForEachPoint(IndexRange pRange, std::int64_t pLast, std::int64_t pStep, Draw&& pDraw) {
+    const std::int64_t end = std::min(pRange.last, pLast);
+    std::int64_t k = pRange.first <= 0 ? 0 : (pRange.first + pStep - 1) / pStep * pStep;
+    for (; k <= end; k += pStep) {
+        pDraw(k);
+    }
+    if (pLast % pStep != 0 && pLast >= pRange.first && pLast <= pRange.last) {
+        pDraw(pLast);
+    }
+}
+
 IndexRange WindowRange(const DrawingSurface& pSurface, std::int64_t pLast,
                        const std::optional<ColumnWindow>& pWindow) {
     if (!pWindow) {
@@ -119,17 +168,22 @@ void DrawMarkers(DrawingSurface& pSurface, Series& pSeries,
                                      DrawingSurface::ScaleMode::User);
     pSurface.SetFillStyle(DrawingSurface::FillStyle::Solid);
     pSurface.SetFillColor(pSeries.Colour());
-    const IndexRange range =
-        WindowRange(pSurface, static_cast<std::int64_t>(pSeries.Count()) - 1, pWindow);
-    for (auto k = static_cast<std::int32_t>(range.first); k <= range.last; ++k) {
-        const double v = pSeries.GetValue(k);
-        const double x = k;
+    const auto draw = [&](std::int64_t pIndex) {
+        const double v = pSeries.GetValue(static_cast<std::int32_t>(pIndex));
+        const double x = static_cast<double>(pIndex);
         if (pSeries.Point() == ptSquare) {
             pSurface.FilledBox(x - w / 2, v - h / 2, x + w / 2, v + h / 2, pSeries.Colour());
         } else {
             pSurface.Circle(x, v, w / 2);
         }
-    }
+    };
+    const std::int64_t count = static_cast<std::int64_t>(pSeries.Count()) - 1;
+    // Reading beyond the values held ends the drawing, so the values bound the loop; a series
+    // without values is drawn as far as the plot reaches, one marker per place it can show.
+    const bool ready = pSeries.DataReady();
+    const std::int64_t last = ready ? count : std::min(count, LastVisibleIndex(pSurface, w));
+    ForEachPoint(WindowRange(pSurface, last, pWindow), last, ready ? 1 : ZeroPointStep(pSurface),
+                 draw);
 }
 
 // The reference rendering: one line per segment, from the previous point to the next, starting
@@ -471,7 +525,7 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries,
         dotRadius = pSurface.ScaleX(kDotRadiusPixels, DrawingSurface::ScaleMode::Pixel,
                                     DrawingSurface::ScaleMode::User);
     }
-    const PolylinePoints points = PointsOf(pSeries);
+    const PolylinePoints points = PointsOf(pSurface, pSeries);
     if (g_polylineMode == PolylineMode::EverySegment) {
         DrawEverySegment(pSurface, pSeries, points, dots, dotRadius);
         return;
@@ -494,9 +548,10 @@ void DrawPolyline(DrawingSurface& pSurface, Series& pSeries,
     }
     DrawPixelColumns(pSurface, points, range, cache);
     if (dots) {
-        for (std::int64_t k = range.first; k <= range.last; ++k) {
-            pSurface.Circle(static_cast<double>(k), points.At(k), dotRadius);
-        }
+        ForEachPoint(range, points.last, points.ready ? 1 : ZeroPointStep(pSurface),
+                     [&](std::int64_t pIndex) {
+                         pSurface.Circle(static_cast<double>(pIndex), points.At(pIndex), dotRadius);
+                     });
     }
 }
 

@@ -44,10 +44,30 @@ void AppendEscaped(std::string& pOut, std::string_view pText) {
         case '"':
             pOut += "&quot;";
             break;
+        case '\0':
+            // XML has no way to write NUL, not even as a character reference; the name is
+            // written without it so that the fragment still loads.
+            break;
         default:
             pOut.push_back(c);
         }
     }
+}
+
+// The margin and the maximum are written in the user's locale; they are read back in it, so a
+// chart saved and reopened on one machine keeps them. A text that locale cannot read (one
+// written on a machine with another decimal point) is tried in the fixed culture.
+float ReadUserSingle(std::string_view pText) {
+    double value = 0.0;
+    try {
+        value = LocalizationLib::UserTextToDouble(serialization::FromUtf8(pText));
+    } catch (const ChartError& error) {
+        if (error.number() != ChartError::TypeMismatch) {
+            throw;
+        }
+        value = serialization::ReadNumber(pText);
+    }
+    return barchart::ToSingle(value);
 }
 
 std::string_view RequiredAttribute(const platform::XmlNode& pNode, std::string_view pName) {
@@ -118,10 +138,11 @@ void BarChart::WriteState(std::string& pOut) const {
             m_valuesType == kDoubleValues ? m_doubleData.size() : m_longData.size();
         const auto count = std::min(available, static_cast<std::size_t>(std::max(m_columns, 0)));
         pOut.reserve(pOut.size() + count * kReservedPerDataPoint + kReservedTail);
-        for (std::int32_t i = 0; i < m_columns; ++i) {
+        // The values there are: a chart holding fewer values than columns still saves them.
+        for (std::size_t i = 0; i < count; ++i) {
             const std::size_t start = pOut.size();
             pOut += kDataPointOpen;
-            if (!AppendValue(pOut, i)) {
+            if (!AppendValue(pOut, static_cast<std::int64_t>(i))) {
                 pOut.resize(start);
                 break;
             }
@@ -154,7 +175,7 @@ void BarChart::ReadState(const platform::XmlDocument& pDocument) {
         m_valuesType = serialization::ReadWhole(*valuesType);
     }
     if (const auto margin = chart.FindAttribute("hmargins")) {
-        SetHMarginPercent(barchart::ToSingle(serialization::ReadNumber(*margin)));
+        SetHMarginPercent(ReadUserSingle(*margin));
     }
     if (const auto corner = chart.FindAttribute("corner")) {
         m_roundedCorner = serialization::ReadWhole(*corner);
@@ -165,9 +186,10 @@ void BarChart::ReadState(const platform::XmlDocument& pDocument) {
         // The margin just read is not passed on: Init overwrites it with 0 whenever the maximum
         // is not 0, and saved charts have always come back that way.
         const std::int32_t columns = serialization::ReadWhole(RequiredAttribute(points, "Columns"));
-        const std::int32_t maximum =
-            serialization::ReadWhole(RequiredAttribute(points, "MaxValue"));
-        Init(columns, static_cast<float>(maximum), m_chartType, m_valuesType, 0.0F);
+        // The maximum keeps its fraction: rounded to a whole number, a maximum below 0.5 would
+        // become 0, and Init would drop the columns and values with it.
+        const float maximum = ReadUserSingle(RequiredAttribute(points, "MaxValue"));
+        Init(columns, maximum, m_chartType, m_valuesType, 0.0F);
     }
 
     const std::vector<platform::XmlNode> values =

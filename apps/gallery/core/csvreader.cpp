@@ -79,7 +79,9 @@ void CsvReader::ReadQuoted(int pField) {
         const char c = Peek();
         if (c == '"') {
             if (m_pos + 1 < m_size && m_text[m_pos + 1] == '"') {
-                m_buffer.push_back('"');
+                if (m_keep) {
+                    m_buffer.push_back('"');
+                }
                 m_pos += 2;
                 continue;
             }
@@ -91,7 +93,9 @@ void CsvReader::ReadQuoted(int pField) {
                 ++m_line;
             }
         }
-        m_buffer.push_back(c);
+        if (m_keep) {
+            m_buffer.push_back(c);
+        }
         ++m_pos;
     }
     SkipSpaces();
@@ -109,18 +113,24 @@ void CsvReader::ReadPlain() {
     while (end > start && IsSpace(m_text[end - 1])) {
         --end;
     }
-    m_buffer.append(m_text + start, end - start);
+    if (m_keep) {
+        m_buffer.append(m_text + start, end - start);
+    }
 }
 
-bool CsvReader::NextRow() {
+bool CsvReader::NextRow(std::size_t pMaxCells) {
     m_buffer.clear();
     m_spans.clear();
     m_cells.clear();
+    m_cellCount = 0;
     if (!SkipBlankLines()) {
         return false;
     }
     m_rowLine = m_line;
     for (int field = 1;; ++field) {
+        // Cells beyond the limit are read over and counted, not kept: a row of a hundred million
+        // cells then costs no memory before the caller sees that it has too many.
+        m_keep = m_cellCount < pMaxCells;
         SkipSpaces();
         const std::size_t begin = m_buffer.size();
         if (!AtEnd() && Peek() == '"') {
@@ -128,7 +138,10 @@ bool CsvReader::NextRow() {
         } else {
             ReadPlain();
         }
-        m_spans.emplace_back(begin, m_buffer.size() - begin);
+        if (m_keep) {
+            m_spans.emplace_back(begin, m_buffer.size() - begin);
+        }
+        ++m_cellCount;
         if (AtRowEnd()) {
             ConsumeRowEnd();
             break;
@@ -138,6 +151,7 @@ bool CsvReader::NextRow() {
             Fail(m_rowLine, field, QStringLiteral("too many cells in one row"));
         }
     }
+    m_keep = true;
     // Views are made only now: the buffer may have moved while the row was read.
     m_cells.reserve(m_spans.size());
     for (const auto& [offset, length] : m_spans) {

@@ -6,6 +6,8 @@
 
 #include <trv5charts/charterror.h>
 
+#include <QSet>
+
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -22,6 +24,9 @@ namespace trv5::gallery {
 namespace {
 
 constexpr qint64 kMaxFileBytes = 256LL * 1024 * 1024;
+// More columns than any data set the gallery can train on; the limit keeps a header of millions
+// of empty cells from costing gigabytes before it is refused.
+constexpr std::size_t kMaxColumns = 100'000;
 
 enum class NumberStatus { Ok, NotANumber, OutOfRange, NotFinite };
 
@@ -86,10 +91,14 @@ QString Dataset::BuiltInWdbcPath() {
 Dataset Dataset::FromText(QByteArrayView pText, const QString& pSource,
                           const DatasetOptions& pOptions) {
     CsvReader reader(pText, pSource);
-    if (!reader.NextRow()) {
+    if (!reader.NextRow(kMaxColumns + 1)) {
         throw GalleryError(pSource, QStringLiteral("the file is empty"));
     }
     const int headerLine = reader.Line();
+    if (reader.CellCount() > kMaxColumns) {
+        throw GalleryError(pSource, headerLine, FieldNumber(kMaxColumns),
+                           QStringLiteral("the header has more than %1 columns").arg(kMaxColumns));
+    }
     const auto header = reader.Cells();
     const std::size_t columns = header.size();
     if (columns < 2) {
@@ -99,16 +108,20 @@ Dataset Dataset::FromText(QByteArrayView pText, const QString& pSource,
     }
 
     QStringList names;
+    names.reserve(static_cast<qsizetype>(columns));
+    QSet<QString> seen;
+    seen.reserve(static_cast<qsizetype>(columns));
     for (std::size_t i = 0; i < columns; ++i) {
         QString name =
             header[i].empty()
                 ? QStringLiteral("column %1").arg(FieldNumber(i))
                 : QString::fromUtf8(header[i].data(), static_cast<qsizetype>(header[i].size()));
-        if (names.contains(name)) {
+        if (seen.contains(name)) {
             throw GalleryError(
                 pSource, headerLine, FieldNumber(i),
                 QStringLiteral("the column name %1 appears twice").arg(Quoted(name)));
         }
+        seen.insert(name);
         names.append(std::move(name));
     }
 
@@ -135,14 +148,16 @@ Dataset Dataset::FromText(QByteArrayView pText, const QString& pSource,
     std::string classes[2];
     std::size_t classCount = 0;
     std::vector<std::uint8_t> classOfRecord;
-    while (reader.NextRow()) {
+    // One cell more than the header is kept, so that a row that is too long is told apart from
+    // a full one without keeping all of it.
+    while (reader.NextRow(columns + 1)) {
         const auto cells = reader.Cells();
         const int line = reader.Line();
-        if (cells.size() != columns) {
-            const std::size_t at = std::min(cells.size(), columns);
+        if (reader.CellCount() != columns) {
+            const std::size_t at = std::min(reader.CellCount(), columns);
             throw GalleryError(pSource, line, FieldNumber(at),
                                QStringLiteral("the row has %1 cells, the header has %2")
-                                   .arg(cells.size())
+                                   .arg(reader.CellCount())
                                    .arg(columns));
         }
         if (classOfRecord.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
