@@ -80,7 +80,7 @@ void PaintPending() {
     QCoreApplication::processEvents();
 }
 
-// The chart as a host sets it up for a run: main axis 0 to 1, point numbers shown, drip-feed
+// The chart as a host sets it up for a run: main axis 0 to 1, generation numbers shown, drip-feed
 // series of the given capacity, shown on screen.
 struct LiveChart {
     LiveChart(int pSeries, std::int32_t pCapacity) {
@@ -98,16 +98,20 @@ struct LiveChart {
         chart.Refresh();
         PaintPending();
     }
+    // One generation's points, and its number, as a host numbers the horizontal axis by
+    // generation.
     void Feed(std::span<const double> pValues) {
         for (std::size_t s = 0; s < pValues.size(); ++s) {
             chart.AddPoint(static_cast<std::int32_t>(s), pValues[s]);
         }
+        chart.SetLastGenerationForCopy(++generation);
     }
     void Frame() {
         chart.Refresh();
         PaintPending();
     }
     trv5::RTChart chart;
+    std::int32_t generation = 0;
 };
 
 // The same on plain QCustomPlot: one graph per series, the point number across.

@@ -191,6 +191,14 @@ public:
         }
         return false;
     }
+    // The chart's plot and labels.
+    void Watch(RTChart& pChart) {
+        plot = &PicOf(pChart);
+        plot->installEventFilter(this);
+        for (QLabel* label : pChart.findChildren<QLabel*>()) {
+            label->installEventFilter(this);
+        }
+    }
     int paints = 0;
     QObject* plot = nullptr;
     QRect plotArea;
@@ -202,19 +210,25 @@ std::shared_ptr<Axis> UnitAxis() {
     return axis;
 }
 
+// A run's chart on screen, 600 x 400 with point numbers: three drip-feed series of capacity
+// 1000 on a unit axis, none fed yet.
+void ShowRunOfThree(RTChart& pChart) {
+    pChart.resize(600, 400);
+    pChart.SetShowXAxis(true);
+    pChart.SetMainYAxis(UnitAxis());
+    for (int s = 0; s < 3; ++s) {
+        pChart.GetSeries(pChart.AddSeries(nullptr, false, QStringLiteral("S%1").arg(s)))
+            ->Init(1000, 0, 1, trv5::DripFeed, false);
+    }
+    pChart.show();
+}
+
 } // namespace
 
 // On screen, a generation repaints a narrow strip of the plot and none of the labels.
 TEST(RTChartIncremental, AGenerationRepaintsOnlyTheStripItChanged) {
     RTChart chart;
-    chart.resize(600, 400);
-    chart.SetShowXAxis(true);
-    chart.SetMainYAxis(UnitAxis());
-    for (int s = 0; s < 3; ++s) {
-        chart.GetSeries(chart.AddSeries(nullptr, false, QStringLiteral("S%1").arg(s)))
-            ->Init(1000, 0, 1, trv5::DripFeed, false);
-    }
-    chart.show();
+    ShowRunOfThree(chart);
     for (int g = 0; g < 300; ++g) {
         for (int s = 0; s < 3; ++s) {
             chart.AddPoint(s, 0.2 + 0.2 * s + 0.001 * g);
@@ -224,12 +238,7 @@ TEST(RTChartIncremental, AGenerationRepaintsOnlyTheStripItChanged) {
     QCoreApplication::processEvents();
 
     PaintCounter counter;
-    counter.plot = &PicOf(chart);
-    PicOf(chart).installEventFilter(&counter);
-    const QList<QLabel*> labels = chart.findChildren<QLabel*>();
-    for (QLabel* label : labels) {
-        label->installEventFilter(&counter);
-    }
+    counter.Watch(chart);
     for (int s = 0; s < 3; ++s) {
         chart.AddPoint(s, 0.9);
     }
@@ -240,6 +249,89 @@ TEST(RTChartIncremental, AGenerationRepaintsOnlyTheStripItChanged) {
     EXPECT_FALSE(counter.plotArea.isEmpty());
     EXPECT_LT(counter.plotArea.width(), PicOf(chart).width() / 8);
     EXPECT_GT(counter.plotArea.left(), 0);
+}
+
+// Numbered by generation as a host numbers it (the last generation set with each one), a run
+// that has not filled its rings yet still draws only the new points' strip: the numbers under the
+// plot and their grid lines stay where they are, while the description follows the run.
+TEST(RTChartIncremental, AGenerationNumberedAxisKeepsItsNumbersUntilTheRingsFill) {
+    RTChart chart;
+    ShowRunOfThree(chart);
+    std::int32_t generation = 0;
+    const auto feed = [&] {
+        for (int s = 0; s < 3; ++s) {
+            chart.AddPoint(s, 0.2 + 0.2 * s + 0.0005 * generation);
+        }
+        chart.SetLastGenerationForCopy(++generation);
+        chart.Refresh();
+        QCoreApplication::processEvents();
+    };
+    for (int g = 0; g < 300; ++g) {
+        feed();
+    }
+    QStringList numbers;
+    for (QLabel* label : chart.findChildren<QLabel*>(QStringLiteral("lblTick"))) {
+        if (label->isVisible()) {
+            numbers << label->text();
+        }
+    }
+    // The newest point is generation 300 at index 299, so index 0 is generation 1 and the last
+    // index of the ring generation 1000; counted by point the numbers would start at 0.
+    EXPECT_TRUE(numbers.contains(QStringLiteral("1000"))) << numbers.join(u' ').toStdString();
+    EXPECT_FALSE(numbers.contains(QStringLiteral("0"))) << numbers.join(u' ').toStdString();
+
+    // With the keyboard focus, and so the focus mark over the chart's edges.
+    chart.activateWindow();
+    chart.setFocus(Qt::TabFocusReason);
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(chart.findChild<QWidget*>(QStringLiteral("focusMark"))->isVisible());
+
+    PaintCounter counter;
+    counter.Watch(chart);
+    auto& redraws = trv5::rtchart::Redraws();
+    const std::uint64_t full = redraws.full;
+    const std::uint64_t bands = redraws.band;
+    for (int g = 0; g < 20; ++g) {
+        feed();
+    }
+    EXPECT_EQ(redraws.full, full);
+    EXPECT_EQ(redraws.band - bands, 20u);
+    EXPECT_EQ(counter.paints, 20) << "the plot once a generation, no label";
+    EXPECT_LT(counter.plotArea.width(), PicOf(chart).width() / 8);
+    EXPECT_EQ(chart.accessibleDescription(),
+              QStringLiteral("Run progress, 3 series, 320 generations"));
+}
+
+// A background set while the chart shows a run takes the plot and every label along, although
+// nothing moves.
+TEST(RTChartIncremental, ANewBackgroundRecoloursPlotAndLabels) {
+    RTChart chart;
+    chart.resize(500, 300);
+    chart.SetShowXAxis(true);
+    chart.SetMainYAxis(UnitAxis());
+    const auto index = chart.AddSeries(nullptr, false, QStringLiteral("Best"));
+    chart.GetSeries(index)->Init(200, 0, 1, trv5::DripFeed, false);
+    chart.GetSeries(index)->SetColour(0x202020);
+    for (int g = 0; g < 150; ++g) {
+        chart.AddPoint(index, g / 200.0);
+    }
+    chart.Refresh();
+    const QColor dark(20, 20, 30);
+    chart.SetBackColor(trv5::ColorConverter::RGBToLong(dark.red(), dark.green(), dark.blue()));
+    chart.Refresh();
+    EXPECT_EQ(PicOf(chart).Raster().pixelColor(1, 1), dark) << "the plot's background";
+    int checked = 0;
+    for (QLabel* label : chart.findChildren<QLabel*>()) {
+        if (label->isHidden() || label->text().isEmpty()) {
+            continue;
+        }
+        const QPalette palette = label->palette();
+        EXPECT_EQ(palette.color(label->backgroundRole()), dark) << label->text().toStdString();
+        EXPECT_GT(palette.color(label->foregroundRole()).lightness(), 128)
+            << label->text().toStdString() << ": light text on the dark background";
+        ++checked;
+    }
+    EXPECT_GT(checked, 3);
 }
 
 // Refreshing an unchanged chart, a resize to the same size, loading into a chart that was never

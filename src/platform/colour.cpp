@@ -69,6 +69,10 @@ double ContrastRatio(const QColor& pFirst, const QColor& pSecond) {
     return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
 }
 
+QColor PaletteText() {
+    return QApplication::palette().color(QPalette::WindowText);
+}
+
 QColor ReadableText(std::int32_t pText, std::int32_t pBackground) {
     const QColor background = ToQColor(pBackground);
     const QColor text = ToQColor(pText);
@@ -76,7 +80,7 @@ QColor ReadableText(std::int32_t pText, std::int32_t pBackground) {
         return text;
     }
     if (FollowsPalette(pBackground)) {
-        const QColor paletteText = QApplication::palette().color(QPalette::WindowText);
+        const QColor paletteText = PaletteText();
         if (ContrastRatio(paletteText, background) >= kReadableContrast) {
             return paletteText;
         }
@@ -113,8 +117,14 @@ void ColourLabel(QWidget& pLabel, std::int32_t pText, std::int32_t pBackground) 
     }
     // Roles are inherited from the parent when not set: a host that gives its container another
     // role (a card in the text-field colour) must not turn the label to other palette entries.
-    pLabel.setBackgroundRole(QPalette::Window);
-    pLabel.setForegroundRole(QPalette::WindowText);
+    // Setting a role sends the label a palette change, which repaints it, even when the role is
+    // the same: only a different one is set.
+    if (pLabel.backgroundRole() != QPalette::Window) {
+        pLabel.setBackgroundRole(QPalette::Window);
+    }
+    if (pLabel.foregroundRole() != QPalette::WindowText) {
+        pLabel.setForegroundRole(QPalette::WindowText);
+    }
     pLabel.setAutoFillBackground(true);
 }
 

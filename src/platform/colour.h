@@ -29,6 +29,10 @@ double ContrastRatio(const QColor& pFirst, const QColor& pSecond);
 // Ordinary text needs this contrast against its background to be readable.
 inline constexpr double kReadableContrast = 4.5;
 
+// The palette's text colour, which ReadableText falls back on where the background follows the
+// palette.
+QColor PaletteText();
+
 // The colour to draw text of colour pText in on pBackground: pText itself when it reads there;
 // otherwise, on a background that follows the palette, the palette's text colour; otherwise
 // black or white, whichever reads better. A dark palette therefore never puts its light text on
@@ -43,7 +47,8 @@ void FollowPaletteChange(const QEvent& pEvent, bool pFollows, bool& pRecolouring
                          const std::function<void()>& pRecolour);
 
 // Gives a label (or any widget that paints text with its palette) the background pBackground
-// and text of colour pText made readable on it by ReadableText.
+// and text of colour pText made readable on it by ReadableText. Changes nothing, and so repaints
+// nothing, when the label has those colours and roles already.
 void ColourLabel(QWidget& pLabel, std::int32_t pText, std::int32_t pBackground);
 
 } // namespace trv5::platform

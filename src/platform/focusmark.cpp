@@ -5,7 +5,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPen>
+#include <QRegion>
 
 namespace trv5::platform {
 
@@ -18,14 +18,22 @@ constexpr int kMarkWidth = 2;
 FocusMark::FocusMark(QWidget* pOwner) : QWidget(pOwner), m_owner(pOwner) {
     setObjectName(QStringLiteral("focusMark"));
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    setAttribute(Qt::WA_NoSystemBackground);
+    // The mark lies over the whole chart. See-through, it could only appear by having the chart
+    // and everything on it repainted (a chart shown in a window that takes the focus did so with
+    // its first frames); masked to the edges it draws (Follow) and opaque on them, it costs no
+    // more than those edges.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::NoFocus);
     hide();
     pOwner->installEventFilter(this);
 }
 
 void FocusMark::Follow() {
-    setGeometry(m_owner->rect());
+    const QRect edges = m_owner->rect();
+    setGeometry(edges);
+    // Too small a chart to leave an inside keeps no mask: the mark is all edge.
+    setMask(QRegion(edges).subtracted(
+        QRegion(edges.adjusted(kMarkWidth, kMarkWidth, -kMarkWidth, -kMarkWidth))));
     raise();
     setVisible(m_owner->hasFocus());
 }
@@ -65,12 +73,9 @@ bool FocusMark::eventFilter(QObject* pWatched, QEvent* pEvent) {
 }
 
 void FocusMark::paintEvent(QPaintEvent*) {
+    // The mask keeps the fill to the edges.
     QPainter painter(this);
-    QPen pen(palette().color(QPalette::Highlight), kMarkWidth);
-    pen.setJoinStyle(Qt::MiterJoin);
-    painter.setPen(pen);
-    painter.drawRect(QRectF(rect()).adjusted(kMarkWidth / 2.0, kMarkWidth / 2.0, -kMarkWidth / 2.0,
-                                             -kMarkWidth / 2.0));
+    painter.fillRect(rect(), palette().color(QPalette::Highlight));
 }
 
 FocusMark::HiddenDuringCapture::HiddenDuringCapture(QWidget* pControl) {

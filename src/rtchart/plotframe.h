@@ -5,6 +5,7 @@
 
 #include <trv5charts/rtchart.h>
 
+#include <QColor>
 #include <QFont>
 #include <QSize>
 
@@ -20,6 +21,9 @@ class Series;
 
 namespace trv5::rtchart {
 
+// Colours are kept as drawn, a system colour resolved against the palette of the time, so that a
+// palette change is a change of what was drawn.
+
 // One series as a frame of the plot drew it.
 struct SeriesState {
     const Series* series = nullptr;
@@ -29,7 +33,7 @@ struct SeriesState {
     std::int32_t count = 0;
     const double* values = nullptr;
     std::size_t held = 0;
-    std::int32_t colour = 0;
+    QRgb colour = 0;
     std::int32_t dataType = 0;
     std::int32_t point = 0;
     std::int32_t setType = 0;
@@ -44,7 +48,7 @@ struct FrameState {
     QSize deviceSize;
     double ratio = 0.0;
     std::int32_t polylineMode = 0;
-    std::int32_t backColour = 0;
+    QRgb backColour = 0;
     bool mapped = false; // a main axis and a scale that maps
     double left = 0.0;
     double top = 0.0;
@@ -56,7 +60,7 @@ struct FrameState {
     std::int32_t drawnSeries = 0;
     bool lineShown = false;
     double lineValue = 0.0;
-    std::int32_t lineColour = 0;
+    QRgb lineColour = 0;
     std::vector<double> gridX;
     std::vector<double> gridY;
     std::vector<SeriesState> series;
@@ -75,14 +79,17 @@ struct ChangedPoints {
 std::optional<std::vector<ChangedPoints>> AppendedPoints(const FrameState& pBefore,
                                                          const FrameState& pNow);
 
-// What the labels around the plot were last placed for: when nothing of it changed, placing them
-// again would change nothing either.
+// What the labels around the plot were last placed and coloured for: when nothing of it changed,
+// placing them again would change nothing either. The text colours follow from the background,
+// the entries' colours and, on a background that follows the palette, the palette's text colour.
 struct LayoutKey {
     LayoutInput input;
-    std::vector<std::int32_t> legendColours;
+    std::vector<QRgb> legendColours;
     std::vector<const void*> legendLabels;
     bool lineLegendShown = false;
-    std::int32_t lineColour = 0;
+    QRgb lineColour = 0;
+    QRgb background = 0;
+    QRgb paletteText = 0;
     QFont font;
 
     bool operator==(const LayoutKey&) const = default;

@@ -69,6 +69,11 @@ std::int32_t GridColourOn(std::int32_t pBackground) {
     return ColorConverter::RGBToLong(lift(back.red()), lift(back.green()), lift(back.blue()));
 }
 
+// A colour as it is drawn now: a system colour as the palette has it.
+QRgb Drawn(std::int32_t pColour) {
+    return platform::ToQColor(pColour).rgb();
+}
+
 // What a screen reader says about the chart beside its name: "Run progress, 3 series,
 // 250 generations", counting what the exported rows count.
 QString DataSummary(std::int32_t pSeriesCount, Series* pFirst, std::int32_t pLastGeneration) {
@@ -125,10 +130,13 @@ void RTChart::ApplyLayout() {
         const auto slot = static_cast<std::size_t>(
             std::find(lblLegend.begin(), lblLegend.end(), label) - lblLegend.begin());
         key.legendColours.push_back(
-            slot < m_series.size() && m_series[slot] ? m_series[slot]->Colour() : 0);
+            Drawn(slot < m_series.size() && m_series[slot] ? m_series[slot]->Colour() : 0));
     }
     key.lineLegendShown = lblLineLegend->isVisibleTo(this);
-    key.lineColour = m_lineColour;
+    key.lineColour = Drawn(m_lineColour);
+    // A new background or palette gives the texts other colours, even where nothing moves.
+    key.background = Drawn(m_backColor);
+    key.paletteText = platform::PaletteText().rgb();
     key.font = font();
     if (m_painted->layout && *m_painted->layout == key) {
         return;
@@ -231,7 +239,7 @@ rtchart::FrameState RTChart::CaptureFrame() const {
     frame.deviceSize = pic->DeviceSize();
     frame.ratio = pic->DevicePixelRatio();
     frame.polylineMode = static_cast<std::int32_t>(rtchart::CurrentPolylineMode());
-    frame.backColour = m_backColor;
+    frame.backColour = Drawn(m_backColor);
     if (const std::optional<DrawingSurface::DeviceMapping> mapping = pic->Mapping();
         mapping && m_axes[0]) {
         frame.mapped = true;
@@ -249,7 +257,7 @@ rtchart::FrameState RTChart::CaptureFrame() const {
     frame.drawnSeries = DrawnSeriesCount();
     frame.lineShown = m_lineShown;
     frame.lineValue = m_lineValue;
-    frame.lineColour = m_lineColour;
+    frame.lineColour = Drawn(m_lineColour);
     frame.gridX = m_gridX;
     frame.gridY = m_gridY;
     for (std::int32_t i = 0; i < frame.drawnSeries; ++i) {
@@ -262,7 +270,7 @@ rtchart::FrameState RTChart::CaptureFrame() const {
             state.count = series->Count();
             state.values = series->Values().data();
             state.held = series->Values().size();
-            state.colour = series->Colour();
+            state.colour = Drawn(series->Colour());
             state.dataType = series->DataType();
             state.point = series->Point();
             state.setType = series->SetType();
@@ -275,8 +283,12 @@ rtchart::FrameState RTChart::CaptureFrame() const {
 }
 
 void RTChart::DrawChart() {
-    setAccessibleDescription(DataSummary(
-        m_seriesCount, m_seriesCount > 0 ? m_series[0].get() : nullptr, m_lastGeneration));
+    // Set only when it says something new: each setting is an event for assistive technology.
+    const QString summary = DataSummary(
+        m_seriesCount, m_seriesCount > 0 ? m_series[0].get() : nullptr, m_lastGeneration);
+    if (summary != accessibleDescription()) {
+        setAccessibleDescription(summary);
+    }
     ApplyLayout();
     pic->SetBackColor(m_backColor);
     pic->SetDrawStyle(DrawingSurface::DrawStyle::Solid);
