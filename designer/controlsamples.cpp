@@ -115,6 +115,26 @@ const std::map<QString, IconDrawing>& Drawings() {
                  p.drawRect(QRectF(x, 28.0 - lower[i] - upper[i], 3.6, upper[i]));
              }
          }},
+        {QStringLiteral("trv5::BlockPanel"),
+         [](QPainter& p) {
+             // Four by four blocks, deeper blue the more an item is used, pale where unused.
+             const int uses[] = {9, 3, 0, 6, 1, 8, 4, 0, 7, 2, 9, 5, 0, 6, 3, 8};
+             p.setPen(Qt::NoPen);
+             for (int i = 0; i < 16; ++i) {
+                 p.setBrush(uses[i] == 0 ? QColor(235, 235, 235)
+                                         : QColor::fromHsv(210, 40 + 23 * uses[i], 200));
+                 p.drawRect(QRectF(3.0 + 7.0 * (i % 4), 3.0 + 7.0 * (i / 4), 6.0, 6.0));
+             }
+         }},
+        {QStringLiteral("trv5::BlockPanelSimple"),
+         [](QPainter& p) {
+             // A tapestry of small records, high in red and low in green, in rows.
+             p.setPen(Qt::NoPen);
+             for (int i = 0; i < 64; ++i) {
+                 p.setBrush((i * 7 + i / 8) % 3 == 0 ? kRed : kGreen);
+                 p.drawRect(QRectF(2.0 + 3.5 * (i % 8), 2.0 + 3.5 * (i / 8), 3.0, 3.0));
+             }
+         }},
     };
     return drawings;
 }
@@ -153,6 +173,29 @@ void SampleBars(BarChart& pChart) {
     pChart.Redraw();
 }
 
+// Usage counts in the panel's own colour; the heat map and random colours need settings that
+// Designer has not got.
+void SampleUsageBlocks(BlockPanel& pPanel) {
+    const std::vector<std::int32_t> counts{5, 12, 0, 8, 3, 15, 7, 0, 10, 4, 9, 1};
+    pPanel.SetUsage(counts);
+    pPanel.SetChartMode(umMonochromatic);
+    pPanel.Redraw();
+}
+
+// Without settings the tapestry's colours are black, so the single-colour mode shows high
+// records black and low ones white.
+void SampleTapestry(BlockPanelSimple& pTapestry) {
+    std::vector<std::int32_t> classes(120);
+    std::vector<std::int32_t> ids(classes.size());
+    for (std::size_t i = 0; i < classes.size(); ++i) {
+        classes[i] = (i * 7 + i / 9) % 3 == 0 ? 1 : 0;
+        ids[i] = static_cast<std::int32_t>(i + 1);
+    }
+    pTapestry.SetData(classes, ids);
+    pTapestry.SetChartMode(tmSingleColour);
+    pTapestry.Redraw();
+}
+
 } // namespace
 
 QIcon ControlIcon(const QString& pClassName) {
@@ -175,6 +218,10 @@ void ShowSample(QWidget& pControl) {
         SampleProgress(*progress);
     } else if (auto* bars = qobject_cast<BarChart*>(&pControl)) {
         SampleBars(*bars);
+    } else if (auto* blocks = qobject_cast<BlockPanel*>(&pControl)) {
+        SampleUsageBlocks(*blocks);
+    } else if (auto* tapestry = qobject_cast<BlockPanelSimple*>(&pControl)) {
+        SampleTapestry(*tapestry);
     } else if (auto* label = qobject_cast<VerticalLabel*>(&pControl);
                label && label->Text().isEmpty()) {
         label->SetText(QStringLiteral("Vertical caption"));

@@ -11,12 +11,15 @@
 #include <trv5charts/colorconverter.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QFile>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -442,7 +445,57 @@ TEST(BlockPanelMenu, CopiesAndPrintsThePictureAndOpensOnlyWhenAllowed) {
     EXPECT_EQ(dialog->shown, 1);
     QFile pdf(file);
     ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(pdf.readAll().contains("/Width 66"));
+    const QByteArray printed = pdf.readAll();
+    EXPECT_TRUE(printed.contains("/Width 66"));
+    EXPECT_FALSE(printed.contains("/DCTDecode")) << "stored without loss";
+}
+
+// Both panels report a print that fails through PrintFailed (a cancel is no failure) and open
+// the preview of the page they print.
+template <class Control> void CheckPrintFailureAndPreview(Control& pControl, QAction* pPrint) {
+    QStringList failures;
+    QObject::connect(&pControl, &Control::PrintFailed,
+                     [&](const QString& pMessage) { failures << pMessage; });
+    auto dialog =
+        std::make_shared<trv5::test::PdfDialog>(QStringLiteral("/nonexistent-folder/blocks.pdf"));
+    pControl.SetPrintDialog(dialog);
+    dialog->cancel = true;
+    pPrint->trigger();
+    EXPECT_TRUE(failures.isEmpty());
+    dialog->cancel = false;
+    pPrint->trigger();
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.front().contains(QStringLiteral("/nonexistent-folder/blocks.pdf")));
+
+    // Closes the preview once it is open.
+    QString preview;
+    QTimer answer;
+    answer.setInterval(10);
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (qobject_cast<QDialog*>(window) != nullptr && window->isVisible()) {
+                preview = window->objectName();
+                answer.stop();
+                window->close();
+            }
+        }
+    });
+    answer.start();
+    pControl.PrintPreview();
+    EXPECT_EQ(preview, QStringLiteral("dlgPrintPreview"));
+}
+
+TEST(BlockPanelMenu, PrintFailuresAreSignalledAndThePreviewShowsThePage) {
+    Panel p(60, 30);
+    p.control.SetChartMode(trv5::umMonochromatic);
+    p.control.SetUsage(std::vector<std::int32_t>{1, 2});
+    p.control.Redraw();
+    CheckPrintFailureAndPreview(p.control, p.MenuItem(trv5::pmiPrint));
+
+    Tapestry t(60, 30);
+    t.control.SetData(std::vector<std::int32_t>{1, 0}, std::vector<std::int32_t>{7, 8});
+    t.control.Redraw();
+    CheckPrintFailureAndPreview(t.control, t.MenuItem(trv5::pmiPrint));
 }
 
 // ---- saved state ----

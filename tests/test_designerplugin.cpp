@@ -2,6 +2,9 @@
 // through it, and the controls' properties kept through .ui files.
 
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
+#include <trv5charts/capture.h>
 #include <trv5charts/rocchart.h>
 #include <trv5charts/rtchart.h>
 #include <trv5charts/verticallabel.h>
@@ -281,19 +284,27 @@ TEST(DesignerPlugin, DesignerShowsSampleDataAndLoadedFormsStartEmpty) {
     QDesignerCustomWidgetInterface* progress = PluginControl(QStringLiteral("trv5::RTChart"));
     QDesignerCustomWidgetInterface* bars = PluginControl(QStringLiteral("trv5::BarChart"));
     QDesignerCustomWidgetInterface* caption = PluginControl(QStringLiteral("trv5::VerticalLabel"));
-    ASSERT_TRUE(progress != nullptr && bars != nullptr && caption != nullptr);
+    QDesignerCustomWidgetInterface* blocks = PluginControl(QStringLiteral("trv5::BlockPanel"));
+    QDesignerCustomWidgetInterface* tapestry =
+        PluginControl(QStringLiteral("trv5::BlockPanelSimple"));
+    ASSERT_TRUE(progress != nullptr && bars != nullptr && caption != nullptr && blocks != nullptr &&
+                tapestry != nullptr);
 
     const auto loaded = [] {
         return LoadUi(FormWith(R"(
    <item><widget class="trv5::RTChart" name="progress"/></item>
    <item><widget class="trv5::BarChart" name="bars"/></item>
    <item><widget class="trv5::VerticalLabel" name="caption"/></item>
+   <item><widget class="trv5::BlockPanel" name="blocks"/></item>
+   <item><widget class="trv5::BlockPanelSimple" name="tapestry"/></item>
 )"));
     };
     const auto expectEmpty = [](const QWidget& pForm) {
         EXPECT_EQ(pForm.findChild<trv5::RTChart*>()->SeriesCount(), 0);
         EXPECT_EQ(pForm.findChild<trv5::BarChart*>()->HasData(), 0);
         EXPECT_TRUE(pForm.findChild<trv5::VerticalLabel*>()->Text().isEmpty());
+        EXPECT_EQ(pForm.findChild<trv5::BlockPanel*>()->ItemCount(), 0);
+        EXPECT_EQ(pForm.findChild<trv5::BlockPanelSimple*>()->RecordCount(), 0);
     };
     expectEmpty(*loaded());
 
@@ -320,6 +331,21 @@ TEST(DesignerPlugin, DesignerShowsSampleDataAndLoadedFormsStartEmpty) {
         }
     }
     EXPECT_TRUE(barDrawn);
+    // The block panels show drawn blocks: the usage panel in its block colour.
+    const std::unique_ptr<QWidget> usage(blocks->createWidget(nullptr));
+    EXPECT_GT(static_cast<trv5::BlockPanel&>(*usage).ItemCount(), 0);
+    usage->resize(200, 120);
+    const QImage usagePicture = trv5::CaptureControl(usage.get());
+    const QColor blockColour = static_cast<trv5::BlockPanel&>(*usage).BlockQColor();
+    int blockPixels = 0;
+    for (int y = 0; y < usagePicture.height(); ++y) {
+        for (int x = 0; x < usagePicture.width(); ++x) {
+            blockPixels += usagePicture.pixelColor(x, y) == blockColour ? 1 : 0;
+        }
+    }
+    EXPECT_GT(blockPixels, usagePicture.width() * usagePicture.height() / 4);
+    const std::unique_ptr<QWidget> records(tapestry->createWidget(nullptr));
+    EXPECT_GT(static_cast<trv5::BlockPanelSimple&>(*records).RecordCount(), 0);
 
     for (QDesignerCustomWidgetInterface* control : PluginControls()) {
         control->initialize(nullptr);

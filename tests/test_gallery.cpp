@@ -437,6 +437,9 @@ void ExpectNoRunShown(GalleryWindow& pWindow) {
         EXPECT_EQ(bars->HasData(), 0) << bars->objectName().toStdString();
         EXPECT_TRUE(bars->DoubleData().empty() && bars->LongData().empty());
     }
+    EXPECT_EQ(board.UsageBlocks().ItemCount(), 0);
+    EXPECT_TRUE(board.UsageBlocks().GetChartDataAsString().isEmpty());
+    EXPECT_EQ(board.Tapestry().RecordCount(), 0);
     for (const QLabel* label : board.Roc().findChildren<QLabel*>()) {
         if (label->objectName() == QStringLiteral("lblRecords") ||
             label->objectName().startsWith(QStringLiteral("lblAUC")) ||
@@ -632,16 +635,16 @@ TEST(Gallery, KeyboardReachesEveryChartInReadingOrderAndOpensItsMenu) {
     // panel, which comes first.
     QWidget* tabs = window.findChild<QTabWidget*>(QStringLiteral("tabCharts"))->tabBar();
     QStringList visited;
-    for (QWidget* widget = tabs->nextInFocusChain(); widget != tabs && visited.size() < 9;
+    for (QWidget* widget = tabs->nextInFocusChain(); widget != tabs && visited.size() < 11;
          widget = widget->nextInFocusChain()) {
         if (const auto entry = window.Board().EntryContaining(widget);
             entry && entry->widget == widget && (widget->focusPolicy() & Qt::TabFocus) != 0) {
             visited << entry->name;
         }
     }
-    EXPECT_EQ(visited,
-              (QStringList{"progress", "usage", "roc", "clscatter", "curvefitting", "scatter",
-                           "stacked", "trainingAccuracy", "validationAccuracy"}));
+    EXPECT_EQ(visited, (QStringList{"progress", "usage", "usageBlocks", "roc", "clscatter",
+                                    "curvefitting", "tapestry", "scatter", "stacked",
+                                    "trainingAccuracy", "validationAccuracy"}));
 }
 
 TEST(Gallery, DarkModeKeepsEveryTextReadable) {
@@ -702,12 +705,20 @@ TEST(Gallery, PrintFailuresOfEveryKindOfChartAreToldToTheUser) {
         EXPECT_TRUE(
             told.front().startsWith(window.Board().Entry(QString::fromLatin1(name))->title));
     }
-    // The self-drawn chart's own context menu reports too, and so does a renewed chart.
-    told.clear();
+    // The self-drawn charts' own context menus report too, and so does a renewed chart.
     window.Board().RenewProgress().SetPrintDialog(dialog);
-    window.Board().Progress().findChildren<QAction*>(QStringLiteral("mnuMain"))[3]->trigger();
-    ASSERT_EQ(told.size(), 1);
-    EXPECT_TRUE(told.front().contains(QStringLiteral("/nonexistent-folder/chart.pdf")));
+    window.Board().UsageBlocks().SetPrintDialog(dialog);
+    window.Board().Tapestry().SetPrintDialog(dialog);
+    for (const char* name : {"progress", "usageBlocks", "tapestry"}) {
+        SCOPED_TRACE(name);
+        told.clear();
+        window.Board()
+            .Entry(QString::fromLatin1(name))
+            ->widget->findChildren<QAction*>(QStringLiteral("mnuMain"))[3]
+            ->trigger();
+        ASSERT_EQ(told.size(), 1);
+        EXPECT_TRUE(told.front().contains(QStringLiteral("/nonexistent-folder/chart.pdf")));
+    }
 }
 
 TEST(Gallery, UsageModeIsTheUsersChoiceAndAProjectKeepsIt) {

@@ -1,6 +1,8 @@
 // The self-drawn charts wherever a person meets them: under a dark application palette, and
 // with the keyboard alone (focus mark, Shift+F10, menus, accessible names).
 #include <trv5charts/barchart.h>
+#include <trv5charts/blockpanel.h>
+#include <trv5charts/blockpanelsimple.h>
 #include <trv5charts/capture.h>
 #include <trv5charts/colorconverter.h>
 #include <trv5charts/rocchart.h>
@@ -143,6 +145,21 @@ void FillProgress(trv5::RTChart& pChart) {
     pChart.Refresh();
 }
 
+// A few blocks in a wide panel, so that most of it shows the background.
+void FillBlocks(trv5::BlockPanel& pPanel) {
+    pPanel.resize(400, 40);
+    pPanel.SetChartMode(trv5::umMonochromatic);
+    pPanel.SetUsage(std::vector<std::int32_t>{2, 0, 5});
+    pPanel.Redraw();
+}
+
+void FillTapestry(trv5::BlockPanelSimple& pTapestry) {
+    pTapestry.resize(400, 40);
+    pTapestry.SetData(std::vector<std::int32_t>{1, 0, -1, 1, 0},
+                      std::vector<std::int32_t>{11, 12, 13, 14, 15});
+    pTapestry.Redraw();
+}
+
 void FillRoc(trv5::ROCChart& pChart) {
     const std::vector<double> fp = {0.0, 0.1, 0.3, 0.6, 1.0};
     const std::vector<double> tp = {0.0, 0.5, 0.8, 0.95, 1.0};
@@ -202,8 +219,17 @@ TEST(Readability, EveryControlsTextsReadUnderADarkPalette) {
         bars.Redraw();
 
         if (followsPalette) {
+            // The block charts always stand on the palette's button face, which shows around
+            // and between the few blocks of a wide panel.
+            trv5::BlockPanel blocks;
+            FillBlocks(blocks);
+            blocks.show();
+            trv5::BlockPanelSimple tapestry;
+            FillTapestry(tapestry);
+            tapestry.show();
             // A chart on the palette's background is drawn dark under a dark palette.
-            for (QWidget* chart : std::initializer_list<QWidget*>{&progress, &roc, &bars}) {
+            for (QWidget* chart :
+                 std::initializer_list<QWidget*>{&progress, &roc, &bars, &blocks, &tapestry}) {
                 const QImage picture = trv5::CaptureControl(chart);
                 EXPECT_LT(Luminance(MostCommonColour(picture, picture.rect())), 0.1)
                     << chart->metaObject()->className();
@@ -228,7 +254,12 @@ TEST(Readability, ChartsFollowAPaletteThatChangesWhileTheyAreShown) {
     caption.SetBackColor(kWindowBackground);
     caption.SetText(QStringLiteral("Share of weights (%)"));
     caption.resize(20, 200);
-    const std::initializer_list<QWidget*> charts = {&progress, &roc, &bars, &caption};
+    trv5::BlockPanel blocks;
+    FillBlocks(blocks);
+    trv5::BlockPanelSimple tapestry;
+    FillTapestry(tapestry);
+    const std::initializer_list<QWidget*> charts = {&progress, &roc,    &bars,
+                                                    &caption,  &blocks, &tapestry};
     const auto background = [](QWidget* pChart) {
         const QImage picture = trv5::CaptureControl(pChart);
         return MostCommonColour(picture, picture.rect());
@@ -246,8 +277,8 @@ TEST(Readability, ChartsFollowAPaletteThatChangesWhileTheyAreShown) {
         for (QWidget* chart : charts) {
             SCOPED_TRACE(chart->metaObject()->className());
             EXPECT_LT(Luminance(background(chart)), 0.1);
-            if (qobject_cast<trv5::BarChart*>(chart) == nullptr) { // bars have no text
-                ExpectReadableTexts(*chart);
+            if (!chart->findChildren<QLabel*>().isEmpty() || chart == &caption) {
+                ExpectReadableTexts(*chart); // bars and blocks have no text
             }
         }
     }
@@ -323,7 +354,12 @@ TEST(Keyboard, FocusShowsAMarkThatStaysOutOfThePicture) {
     bars.Init(3, 10.0F, trv5::ctMultiVerticalBars, trv5::BarChart::kLongValues, 0.0F);
     bars.SetLongData(std::vector<std::int32_t>{3, 6, 9});
     bars.resize(200, 80);
-    for (QWidget* chart : std::initializer_list<QWidget*>{&progress, &roc, &bars}) {
+    trv5::BlockPanel blocks;
+    FillBlocks(blocks);
+    trv5::BlockPanelSimple tapestry;
+    FillTapestry(tapestry);
+    for (QWidget* chart :
+         std::initializer_list<QWidget*>{&progress, &roc, &bars, &blocks, &tapestry}) {
         SCOPED_TRACE(chart->metaObject()->className());
         chart->setParent(&window);
         chart->move(0, 30);
@@ -377,6 +413,17 @@ TEST(Keyboard, MenusAreDrivenByKeysAlone) {
     roc.show();
     ChooseByKeyboard(roc, 2);
     EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("FP Rate")));
+
+    trv5::BlockPanel blocks;
+    FillBlocks(blocks);
+    blocks.show();
+    ChooseByKeyboard(blocks, 2);
+    EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("Item\tUsage\r\n")));
+    trv5::BlockPanelSimple tapestry;
+    FillTapestry(tapestry);
+    tapestry.show();
+    ChooseByKeyboard(tapestry, 2);
+    EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("Record ID\tClass")));
 }
 
 TEST(Accessibility, ControlsNameThemselvesAndSummariseTheirData) {
@@ -405,6 +452,16 @@ TEST(Accessibility, ControlsNameThemselvesAndSummariseTheirData) {
     gauge.Init(1, 100.0F, trv5::ctSingleHorizontal, trv5::BarChart::kLongValues, 0.0F);
     gauge.SetLongHValue(87);
     EXPECT_EQ(gauge.accessibleDescription(), QStringLiteral("Gauge, 87 of 100"));
+
+    trv5::BlockPanel blocks;
+    EXPECT_EQ(blocks.accessibleName(), QStringLiteral("Usage blocks"));
+    FillBlocks(blocks);
+    EXPECT_EQ(blocks.accessibleDescription(), QStringLiteral("Usage blocks, 3 items"));
+    trv5::BlockPanelSimple tapestry;
+    EXPECT_EQ(tapestry.accessibleName(), QStringLiteral("Classification tapestry"));
+    FillTapestry(tapestry);
+    EXPECT_EQ(tapestry.accessibleDescription(),
+              QStringLiteral("Classification tapestry, 5 records"));
 
     trv5::VerticalLabel caption;
     caption.SetText(QStringLiteral("TP Rate"));

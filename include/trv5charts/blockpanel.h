@@ -13,6 +13,7 @@
 #include <vector>
 
 class QContextMenuEvent;
+class QEvent;
 class QResizeEvent;
 
 namespace trv5 {
@@ -113,8 +114,11 @@ public:
     void EditCopy();
     // The counts as text to the clipboard; nothing happens for an empty panel.
     void CopyChartData();
-    // The control's picture to the printer chosen in the print dialog.
+    // The control's picture to the printer chosen in the print dialog, at its on-screen size or
+    // shrunk to the page; a failure is reported by PrintFailed.
     void EditPrint();
+    // A modal preview of the page EditPrint prints.
+    void PrintPreview();
     // Lets a host or a test answer the print dialog; nullptr returns to the Qt dialog.
     void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
     // "Item\t<DataPointName>", then one line per item: name, tab, count; lines separated by CR
@@ -129,8 +133,15 @@ public:
     void FromString(const QString& pText) override;
     bool IsTypeOf(const QString& pText) override;
 
+signals:
+    // The print command could not print; pMessage says which printer or file failed. The panel
+    // itself shows nothing, and a cancelled print dialog is no failure.
+    void PrintFailed(const QString& pMessage);
+
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
+    // Drawn again in a new palette's colours.
+    void changeEvent(QEvent* pEvent) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
 
 private:

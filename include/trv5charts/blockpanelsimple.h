@@ -11,6 +11,7 @@
 #include <vector>
 
 class QContextMenuEvent;
+class QEvent;
 class QResizeEvent;
 
 namespace trv5 {
@@ -97,15 +98,25 @@ public:
     void EditCopy();
     // The records as text to the clipboard; nothing happens without records.
     void CopyChartData();
+    // As BlockPanel::EditPrint.
     void EditPrint();
+    // A modal preview of the page EditPrint prints.
+    void PrintPreview();
     // Lets a host or a test answer the print dialog; nullptr returns to the Qt dialog.
     void SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog);
     // "Record ID\tClass", then one line per record: identifier, tab, class as given; lines
     // separated by CR LF, none after the last. Empty without records.
     QString GetChartDataAsString() const;
 
+signals:
+    // The print command could not print; pMessage says which printer or file failed. The panel
+    // itself shows nothing, and a cancelled print dialog is no failure.
+    void PrintFailed(const QString& pMessage);
+
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
+    // Drawn again in a new palette's colours.
+    void changeEvent(QEvent* pEvent) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
 
 private:

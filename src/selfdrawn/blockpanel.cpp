@@ -14,6 +14,7 @@
 #include <trv5charts/localizationlib.h>
 
 #include <QContextMenuEvent>
+#include <QEvent>
 #include <QResizeEvent>
 
 #include <algorithm>
@@ -70,7 +71,10 @@ BlockPanel::BlockPanel(QWidget* pParent)
     : QWidget(pParent), m_view(std::make_unique<blocks::BlockView>(
                             *this, [this] { return GetChartDataAsString(); },
                             [this](int pX, int pY) { return ToolTipAt(pX, pY); })),
-      m_grid(std::make_unique<blocks::BlockGrid>()) {}
+      m_grid(std::make_unique<blocks::BlockGrid>()) {
+    connect(&m_view->Menu(), &platform::ChartMenu::PrintFailed, this, &BlockPanel::PrintFailed);
+    setAccessibleName(QStringLiteral("Usage blocks"));
+}
 
 BlockPanel::~BlockPanel() = default;
 
@@ -168,6 +172,8 @@ void BlockPanel::Reset() {
 // ---- drawing ----
 
 void BlockPanel::Redraw() {
+    // What a screen reader says about the panel beside its name.
+    setAccessibleDescription(QStringLiteral("Usage blocks, %1 items").arg(ItemCount()));
     try {
         Draw();
     } catch (...) {
@@ -222,6 +228,11 @@ void BlockPanel::resizeEvent(QResizeEvent* pEvent) {
     Redraw();
 }
 
+void BlockPanel::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    m_view->FollowPaletteChange(*pEvent, [this] { Redraw(); });
+}
+
 // ---- tool tip ----
 
 QString BlockPanel::ToolTipAt(int pX, int pY) const {
@@ -255,6 +266,10 @@ void BlockPanel::CopyChartData() {
 
 void BlockPanel::EditPrint() {
     m_view->PrintPicture();
+}
+
+void BlockPanel::PrintPreview() {
+    m_view->PreviewPicture();
 }
 
 void BlockPanel::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {

@@ -10,6 +10,7 @@
 #include <trv5charts/hostsettings.h>
 
 #include <QContextMenuEvent>
+#include <QEvent>
 #include <QResizeEvent>
 
 namespace trv5 {
@@ -34,7 +35,11 @@ BlockPanelSimple::BlockPanelSimple(QWidget* pParent)
     : QWidget(pParent), m_view(std::make_unique<blocks::BlockView>(
                             *this, [this] { return GetChartDataAsString(); },
                             [this](int pX, int pY) { return ToolTipAt(pX, pY); })),
-      m_grid(std::make_unique<blocks::BlockGrid>()) {}
+      m_grid(std::make_unique<blocks::BlockGrid>()) {
+    connect(&m_view->Menu(), &platform::ChartMenu::PrintFailed, this,
+            &BlockPanelSimple::PrintFailed);
+    setAccessibleName(QStringLiteral("Classification tapestry"));
+}
 
 BlockPanelSimple::~BlockPanelSimple() = default;
 
@@ -123,6 +128,9 @@ std::int32_t BlockPanelSimple::ColourOf(std::int32_t pClass) const {
 }
 
 void BlockPanelSimple::Redraw() {
+    // What a screen reader says about the panel beside its name.
+    setAccessibleDescription(
+        QStringLiteral("Classification tapestry, %1 records").arg(RecordCount()));
     try {
         Draw();
     } catch (...) {
@@ -151,6 +159,11 @@ void BlockPanelSimple::resizeEvent(QResizeEvent* pEvent) {
     m_view->LayOut();
     ResetSize();
     Redraw();
+}
+
+void BlockPanelSimple::changeEvent(QEvent* pEvent) {
+    QWidget::changeEvent(pEvent);
+    m_view->FollowPaletteChange(*pEvent, [this] { Redraw(); });
 }
 
 // ---- tool tip ----
@@ -193,6 +206,10 @@ void BlockPanelSimple::CopyChartData() {
 
 void BlockPanelSimple::EditPrint() {
     m_view->PrintPicture();
+}
+
+void BlockPanelSimple::PrintPreview() {
+    m_view->PreviewPicture();
 }
 
 void BlockPanelSimple::SetPrintDialog(std::shared_ptr<IPrintDialog> pDialog) {

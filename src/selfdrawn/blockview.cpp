@@ -1,7 +1,9 @@
 #include "selfdrawn/blockview.h"
 
 #include "platform/chartmenu.h"
+#include "platform/colour.h"
 #include "platform/drawingsurface.h"
+#include "platform/focusmark.h"
 #include "selfdrawn/selfdrawn_support.h"
 
 #include <trv5charts/hostsettings.h>
@@ -73,6 +75,8 @@ BlockView::BlockView(QWidget& pOwner, std::function<QString()> pDataText,
     m_menu->AddItem(QStringLiteral("Print"), item);
     QObject::connect(m_menu, &platform::ChartMenu::Triggered, &pOwner,
                      [this](int pIndex) { OnMenu(pIndex); });
+    // Made last, so that it lies over the picture.
+    new platform::FocusMark(&pOwner);
     LayOut();
 }
 
@@ -105,6 +109,15 @@ void BlockView::CopyData() {
 
 void BlockView::PrintPicture() {
     m_menu->PrintOwnerPicture();
+}
+
+void BlockView::PreviewPicture() {
+    m_menu->PreviewOwnerPicture();
+}
+
+void BlockView::FollowPaletteChange(const QEvent& pEvent, const std::function<void()>& pRedraw) {
+    platform::FollowPaletteChange(pEvent, platform::FollowsPalette(kButtonFace), m_recolouring,
+                                  pRedraw);
 }
 
 std::int32_t BlockView::Background() {

@@ -12,6 +12,7 @@
 #include <utility>
 
 class QContextMenuEvent;
+class QEvent;
 class QWidget;
 
 namespace trv5::platform {
@@ -24,9 +25,9 @@ class DrawingSurface;
 namespace trv5::blocks {
 
 // The control surface `surface` with the grey rounded frame, the picture `pic` inside it and
-// the context menu `ctxMain` with its four `mnuMain` entries, whose commands it carries out.
-// The children belong to the owner widget, which forwards its resize and context-menu events
-// here.
+// the context menu `ctxMain` with its four `mnuMain` entries, whose commands it carries out,
+// and the focus mark that also turns Shift+F10 into the menu key. The children belong to the
+// owner widget, which forwards its resize, change and context-menu events here.
 class BlockView {
 public:
     // pDataText gives the text of "Copy Chart Data" (an empty text copies nothing); pToolTipAt
@@ -55,6 +56,12 @@ public:
     void CopyPicture();
     void CopyData();
     void PrintPicture();
+    // The print preview of the page PrintPicture prints.
+    void PreviewPicture();
+
+    // The frame and the picture's background are palette colours: a palette change runs
+    // pRedraw, which draws them again in the new palette's colours.
+    void FollowPaletteChange(const QEvent& pEvent, const std::function<void()>& pRedraw);
 
     // The picture's background, which also shows in the gaps between blocks.
     static std::int32_t Background();
@@ -71,6 +78,7 @@ private:
     platform::DrawingSurface* m_surface;
     platform::DrawingSurface* m_pic;
     platform::ChartMenu* m_menu;
+    bool m_recolouring = false;
 };
 
 // Whether a grid of pCount blocks leaves gaps: up to the setting "Run.UsageChart.ShowGaps.Limit".

@@ -363,6 +363,12 @@ void GalleryWindow::PrepareChartsForPeople() {
         } else if (auto* roc = qobject_cast<ROCChart*>(entry.widget)) {
             connect(roc, &ROCChart::PrintFailed, this, &GalleryWindow::OnPrintFailed,
                     Qt::UniqueConnection);
+        } else if (auto* blocks = qobject_cast<BlockPanel*>(entry.widget)) {
+            connect(blocks, &BlockPanel::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
+        } else if (auto* tapestry = qobject_cast<BlockPanelSimple*>(entry.widget)) {
+            connect(tapestry, &BlockPanelSimple::PrintFailed, this, &GalleryWindow::OnPrintFailed,
+                    Qt::UniqueConnection);
         }
     }
     // Tab goes through the side panel top to bottom, then the page tabs, then each page's
@@ -445,6 +451,13 @@ void GalleryWindow::RevealChart(const QString& pName) {
         if (m_pageCharts[i].charts.contains(pName)) {
             m_pages->setCurrentIndex(static_cast<int>(i));
         }
+    }
+    // A layout request climbs one widget level per pass of the posted events (a word-wrapped
+    // label's new height reaches its card, then the page): enough passes for the window's depth
+    // leave the chart at the size it keeps, which export measures and gives back.
+    constexpr int kLayoutLevels = 8;
+    for (int level = 0; level < kLayoutLevels; ++level) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
     QApplication::processEvents();
 }
