@@ -454,7 +454,7 @@ TEST(BarChartState, NamesWithCharactersXmlCannotHoldStillGiveLoadableText) {
 }
 
 // The margin and the maximum are written in the user's locale and must come back as written on
-// the same machine, whatever its decimal point.
+// the same machine, whatever its decimal point; the maximum as a whole number.
 TEST(BarChartState, MaximumAndMarginComeBackInTheLocaleThatWroteThem) {
     for (const QLocale& locale : {trv5::test::German(), QLocale(QLocale::Arabic, QLocale::Egypt),
                                   trv5::test::BritishEnglish()}) {
@@ -465,7 +465,7 @@ TEST(BarChartState, MaximumAndMarginComeBackInTheLocaleThatWroteThem) {
         const QString saved = source.chart.ToString();
         Chart restored(164, 102);
         restored.chart.FromString(saved);
-        EXPECT_EQ(restored.chart.MaxValue(), 28.125F) << saved.toStdString();
+        EXPECT_EQ(restored.chart.MaxValue(), 28.0F) << saved.toStdString();
         EXPECT_EQ(restored.chart.Columns(), 3) << locale.name().toStdString();
         EXPECT_EQ(std::vector<double>(restored.chart.DoubleData().begin(),
                                       restored.chart.DoubleData().end()),
@@ -476,21 +476,23 @@ TEST(BarChartState, MaximumAndMarginComeBackInTheLocaleThatWroteThem) {
         EXPECT_EQ(restored.chart.HMarginPercent(), 0.125F) << locale.name().toStdString();
     }
 
-    // A maximum below one half keeps the chart's columns and values.
+    // A maximum below one half reads 0: the chart keeps its earlier columns and scale, and the
+    // values still come in.
     Chart small(164, 102);
+    small.chart.Init(4, 9.0F, trv5::ctMultiVerticalBars, BarChart::kDoubleValues, 0.0F);
     small.chart.FromString(QStringLiteral(
         "<SimpleBarChart name='b' type='0' valuestype='5' hmargins='0' corner='1'><datapoints "
         "Columns='3' MaxValue='0.25'><datapoint value='0.1'/><datapoint value='0.2'/>"
         "<datapoint value='0.05'/></datapoints></SimpleBarChart>"));
-    EXPECT_EQ(small.chart.MaxValue(), 0.25F);
-    EXPECT_EQ(small.chart.Columns(), 3);
+    EXPECT_EQ(small.chart.MaxValue(), 9.0F);
+    EXPECT_EQ(small.chart.Columns(), 4);
     EXPECT_EQ(small.chart.DoubleData().size(), 3U);
 
     // A text from a machine with the other decimal point still loads.
     trv5::test::ScopedLocale arabic(QLocale(QLocale::Arabic, QLocale::Egypt));
     small.chart.FromString(QStringLiteral("<SimpleBarChart type='0' valuestype='5'><datapoints "
                                           "Columns='2' MaxValue='7.5'/></SimpleBarChart>"));
-    EXPECT_EQ(small.chart.MaxValue(), 7.5F);
+    EXPECT_EQ(small.chart.MaxValue(), 8.0F);
     EXPECT_EQ(small.chart.Columns(), 2);
 }
 

@@ -57,7 +57,7 @@ void AppendEscaped(std::string& pOut, std::string_view pText) {
 // The margin and the maximum are written in the user's locale; they are read back in it, so a
 // chart saved and reopened on one machine keeps them. A text that locale cannot read (one
 // written on a machine with another decimal point) is tried in the fixed culture.
-float ReadUserSingle(std::string_view pText) {
+double ReadUserNumber(std::string_view pText) {
     double value = 0.0;
     try {
         value = LocalizationLib::UserTextToDouble(serialization::FromUtf8(pText));
@@ -67,7 +67,7 @@ float ReadUserSingle(std::string_view pText) {
         }
         value = serialization::ReadNumber(pText);
     }
-    return barchart::ToSingle(value);
+    return value;
 }
 
 std::string_view RequiredAttribute(const platform::XmlNode& pNode, std::string_view pName) {
@@ -175,7 +175,7 @@ void BarChart::ReadState(const platform::XmlDocument& pDocument) {
         m_valuesType = serialization::ReadWhole(*valuesType);
     }
     if (const auto margin = chart.FindAttribute("hmargins")) {
-        SetHMarginPercent(ReadUserSingle(*margin));
+        SetHMarginPercent(barchart::ToSingle(ReadUserNumber(*margin)));
     }
     if (const auto corner = chart.FindAttribute("corner")) {
         m_roundedCorner = serialization::ReadWhole(*corner);
@@ -186,10 +186,12 @@ void BarChart::ReadState(const platform::XmlDocument& pDocument) {
         // The margin just read is not passed on: Init overwrites it with 0 whenever the maximum
         // is not 0, and saved charts have always come back that way.
         const std::int32_t columns = serialization::ReadWhole(RequiredAttribute(points, "Columns"));
-        // The maximum keeps its fraction: rounded to a whole number, a maximum below 0.5 would
-        // become 0, and Init would drop the columns and values with it.
-        const float maximum = ReadUserSingle(RequiredAttribute(points, "MaxValue"));
-        Init(columns, maximum, m_chartType, m_valuesType, 0.0F);
+        // The maximum comes back as a whole number (half to even), as saved charts always have:
+        // 28,125 written under a German locale reads 28 there, and a maximum below one half
+        // reads 0, which leaves Init out and the columns and scales as they were.
+        const std::int32_t maximum =
+            LocalizationLib::ToInt32(ReadUserNumber(RequiredAttribute(points, "MaxValue")));
+        Init(columns, static_cast<float>(maximum), m_chartType, m_valuesType, 0.0F);
     }
 
     const std::vector<platform::XmlNode> values =
