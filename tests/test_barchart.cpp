@@ -1,5 +1,6 @@
 #include <trv5charts/barchart.h>
 
+#include "pixelsupport.h"
 #include "platform/clipboardaccess.h"
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
@@ -26,6 +27,9 @@ using trv5::BarChart;
 using trv5::platform::ClipboardAccess;
 using trv5::platform::DrawingSurface;
 
+using trv5::test::PixelAt;
+using trv5::test::Rgb;
+
 namespace {
 
 constexpr std::int32_t kWhite = 0xFFFFFF;
@@ -33,16 +37,6 @@ constexpr std::int32_t kWhite = 0xFFFFFF;
 constexpr std::int32_t kBar = 0x2050C0;
 constexpr auto kButtonFace = static_cast<std::int32_t>(0x8000000FU);
 constexpr auto kGreyText = static_cast<std::int32_t>(0x80000011U);
-
-std::int32_t Rgb(std::int32_t pColour) {
-    const QColor colour = trv5::platform::ToQColor(pColour);
-    return colour.red() | (colour.green() << 8) | (colour.blue() << 16);
-}
-
-std::int32_t PixelAt(const QImage& pImage, int pX, int pY) {
-    const QRgb rgb = pImage.pixel(pX, pY);
-    return qRed(rgb) | (qGreen(rgb) << 8) | (qBlue(rgb) << 16);
-}
 
 int CountNot(const QImage& pImage, std::int32_t pColour) {
     int count = 0;

@@ -1,6 +1,7 @@
 #include <trv5charts/blockpanel.h>
 #include <trv5charts/blockpanelsimple.h>
 
+#include "pixelsupport.h"
 #include "platform/clipboardaccess.h"
 #include "platform/colour.h"
 #include "platform/drawingsurface.h"
@@ -33,22 +34,15 @@ using trv5::platform::ClipboardAccess;
 using trv5::platform::DrawingSurface;
 using trv5::test::MapConfig;
 
+using trv5::test::PixelAt;
+using trv5::test::Rgb;
+
 namespace {
 
 constexpr std::int32_t kWhite = 0xFFFFFF;
 constexpr auto kButtonFace = static_cast<std::int32_t>(0x8000000FU);
 // The picture sits 3 pixels inside the control on every side.
 constexpr int kInset = 3;
-
-std::int32_t Rgb(std::int32_t pColour) {
-    const QColor colour = trv5::platform::ToQColor(pColour);
-    return colour.red() | (colour.green() << 8) | (colour.blue() << 16);
-}
-
-std::int32_t PixelAt(const QImage& pImage, int pX, int pY) {
-    const QRgb rgb = pImage.pixel(pX, pY);
-    return qRed(rgb) | (qGreen(rgb) << 8) | (qBlue(rgb) << 16);
-}
 
 int CountOf(const QImage& pImage, std::int32_t pColour) {
     int count = 0;

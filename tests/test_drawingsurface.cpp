@@ -1,5 +1,6 @@
 #include "platform/drawingsurface.h"
 
+#include "pixelsupport.h"
 #include "testsupport.h"
 
 #include <QImage>
@@ -13,6 +14,8 @@
 
 using trv5::platform::DrawingSurface;
 
+using trv5::test::PixelAt;
+
 namespace {
 
 constexpr std::int32_t kWhite = 0xFFFFFF;
@@ -22,11 +25,6 @@ constexpr std::int32_t kBar = 0x123456;
 constexpr std::int32_t kInk = 0x0A0B0C;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
-
-std::int32_t PixelAt(const QImage& pImage, int pX, int pY) {
-    const QRgb rgb = pImage.pixel(pX, pY);
-    return qRed(rgb) | (qGreen(rgb) << 8) | (qBlue(rgb) << 16);
-}
 
 int CountInRow(const QImage& pImage, int pRow, std::int32_t pColour) {
     int count = 0;
