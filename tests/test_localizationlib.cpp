@@ -5,6 +5,7 @@
 #include <trv5charts/stringhelpers.h>
 
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +14,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace L = trv5::LocalizationLib;
 namespace nt = trv5::numbertext;
@@ -175,6 +177,52 @@ TEST(TextToDouble, ReadsLongTextsExactly) {
     }
     EXPECT_CHART_ERROR(L::TextToDouble(QString("+" + Repeat('9', 400))), ChartError::Overflow);
     EXPECT_CHART_ERROR(L::TextToDouble(QString(Repeat('1', 400) + "x")), ChartError::TypeMismatch);
+}
+
+// Plain texts of few digits take a quicker way than other numbers; it must agree with
+// std::from_chars bit for bit, around each of its limits (19 digits, 2^53, 22 places) and for
+// texts inside a longer buffer whose neighbours are digits.
+TEST(TextToDouble, PlainTextsReadAsFromCharsDoes) {
+    std::mt19937_64 random(20261123);
+    std::uniform_int_distribution<int> lengths(1, 24);
+    std::uniform_int_distribution<int> digitChars('0', '9');
+    std::vector<std::string> texts = {"9007199254740992",
+                                      "9007199254740993",
+                                      "900719925474099.3",
+                                      "1234567890123456789",
+                                      "12345678901234567890",
+                                      "1.",
+                                      "-0.000",
+                                      "0." + std::string(21, '0') + "1",
+                                      "0." + std::string(22, '0') + "1",
+                                      "-12345678.1234567"};
+    for (int i = 0; i < 20000; ++i) {
+        std::string text = random() % 2 ? "-" : "";
+        const int whole = lengths(random);
+        const int places = static_cast<int>(random() % 3) == 0 ? 0 : lengths(random);
+        for (int d = 0; d < whole; ++d) {
+            text.push_back(static_cast<char>(digitChars(random)));
+        }
+        if (places > 0) {
+            text.push_back('.');
+            for (int d = 0; d < places; ++d) {
+                text.push_back(static_cast<char>(digitChars(random)));
+            }
+        }
+        texts.push_back(text);
+    }
+    for (const std::string& text : texts) {
+        double expected = 0;
+        const auto result = std::from_chars(text.data(), text.data() + text.size(), expected);
+        ASSERT_EQ(result.ptr, text.data() + text.size()) << text;
+        const std::string surrounded = "98765432" + text + "12345678";
+        double actual = 0;
+        ASSERT_EQ(
+            nt::ParseDouble(std::string_view(surrounded).substr(8, text.size()), '.', ',', actual),
+            nt::ParseStatus::Ok)
+            << text;
+        ExpectSameDouble(actual, expected, QString::fromStdString(text));
+    }
 }
 
 // Written text reads back as the nearest double to its 15-digit (single: 7-digit) rounding and

@@ -122,3 +122,35 @@ TEST(XmlDocument, RepeatedAttributesAreFoundAmongHundredsOfThousands) {
     EXPECT_FALSE(document.LoadXml(std::string_view("<a><b p='1' q='2' r='3' p='4'/></a>")));
     EXPECT_TRUE(document.LoadXml(std::string_view("<a><b p='1' q='2'/><c p='1' q='2'/></a>")));
 }
+
+// Text from a QString: ASCII is parsed in place, anything else converted; the characters that
+// decide which sit both in whole blocks and in the tail after them.
+TEST(XmlDocument, LoadsQStringTextWhateverItsCharacters) {
+    for (int padding : {0, 1, 7, 8, 15, 16, 17, 40}) {
+        const QString filler(padding, QLatin1Char('x'));
+        for (const QString& value : {QStringLiteral("plain"), QStringLiteral("caf\u00e9"),
+                                     QStringLiteral("\u20ac5"), QStringLiteral("\u0100")}) {
+            XmlDocument document;
+            const QString text = "<e v='" + filler + value + "'>" + filler + value + "</e>";
+            ASSERT_TRUE(document.LoadXml(text)) << text.toStdString();
+            const std::string expected = (filler + value).toStdString();
+            EXPECT_EQ(document.DocumentElement().AttributeValue(0), expected);
+            EXPECT_EQ(document.DocumentElement().Text(), expected);
+        }
+        XmlDocument document;
+        EXPECT_FALSE(document.LoadXml("<e>" + filler + "</f>"));
+        EXPECT_TRUE(document.DocumentElement().IsNull());
+        EXPECT_FALSE(document.LoadXml(QString()));
+    }
+}
+
+TEST(XmlDocument, TextViewsOneRunInPlaceAndGathersSeveral) {
+    XmlDocument document;
+    ASSERT_TRUE(document.LoadXml(QStringLiteral("<a><b>1|2|3</b><c>1|<![CDATA[2]]>|3</c></a>")));
+    std::string scratch = "stale";
+    const XmlNode single = document.SelectSingleNode("//a/b");
+    EXPECT_EQ(single.Text(scratch), "1|2|3");
+    EXPECT_EQ(scratch, "stale");
+    EXPECT_EQ(document.SelectSingleNode("//a/c").Text(scratch), "1|2|3");
+    EXPECT_EQ(scratch, "1|2|3");
+}

@@ -559,6 +559,92 @@ ParseStatus ParseGeneral(const char* pFirst, const char* pLast, char pDecimalPoi
     return ParseStatus::Ok;
 }
 
+// Whether the eight chars in pChunk (first char in the lowest byte) are all decimal digits.
+constexpr bool EightDigits(std::uint64_t pChunk) noexcept {
+    return ((pChunk & 0xF0F0F0F0F0F0F0F0ULL) |
+            (((pChunk + 0x0606060606060606ULL) & 0xF0F0F0F0F0F0F0F0ULL) >> 4)) ==
+           0x3333333333333333ULL;
+}
+
+// The value of eight digit chars (first char in the lowest byte): pairs, then fours, then all
+// eight combined in each step with one multiply.
+constexpr std::uint32_t EightDigitValue(std::uint64_t pChunk) noexcept {
+    constexpr std::uint64_t kMask = 0x000000FF000000FFULL;
+    constexpr std::uint64_t kHigh = 100 + (1000000ULL << 32);
+    constexpr std::uint64_t kLow = 1 + (10000ULL << 32);
+    pChunk -= 0x3030303030303030ULL;
+    pChunk = pChunk * 10 + (pChunk >> 8);
+    return static_cast<std::uint32_t>(
+        ((pChunk & kMask) * kHigh + ((pChunk >> 16) & kMask) * kLow) >> 32);
+}
+
+// Appends the digits from pFirst to pWhole (wrapping past 19 digits) and returns where they end.
+// Runs of eight are taken at once, which matters for the long fractions of saved values; a run of
+// fewer that ends the text is read as the last eight chars of the text (pText is where the text
+// begins) with the chars before the run taken as zeros.
+const char* ReadDigits(const char* pText, const char* pFirst, const char* pLast,
+                       std::uint64_t& pWhole) noexcept {
+    if constexpr (std::endian::native == std::endian::little) {
+        while (pLast - pFirst >= 8) {
+            std::uint64_t chunk = 0;
+            std::memcpy(&chunk, pFirst, sizeof chunk);
+            if (!EightDigits(chunk)) {
+                break;
+            }
+            pWhole = pWhole * 100000000 + EightDigitValue(chunk);
+            pFirst += 8;
+        }
+        const std::ptrdiff_t rest = pLast - pFirst;
+        if (rest > 0 && rest < 8 && pLast - pText >= 8) {
+            std::uint64_t chunk = 0;
+            std::memcpy(&chunk, pLast - 8, sizeof chunk);
+            const std::uint64_t before = (std::uint64_t{1} << (8 * (8 - rest))) - 1;
+            chunk = (chunk & ~before) | (0x3030303030303030ULL & before);
+            if (EightDigits(chunk)) {
+                pWhole = pWhole * kPow10[static_cast<std::size_t>(rest)] + EightDigitValue(chunk);
+                return pLast;
+            }
+        }
+    }
+    for (; pFirst != pLast && IsDigit(*pFirst); ++pFirst) {
+        pWhole = pWhole * 10 + static_cast<std::uint64_t>(*pFirst - '0');
+    }
+    return pFirst;
+}
+
+// "[-]digits[point digits]" with at most 19 digits, forming an integer w of at most 2^53, at most
+// 22 of them after the point: w and the power of ten are then exact doubles, so one division
+// gives the correctly rounded value, the one std::from_chars gives. Every value written in plain
+// form with 15 significant digits is of this kind, so saved data rarely needs more.
+bool ParseShortPlain(const char* pFirst, const char* pLast, char pDecimalPoint,
+                     double& pOut) noexcept {
+    const char* p = pFirst;
+    const bool negative = p != pLast && *p == '-';
+    if (negative) {
+        ++p;
+    }
+    std::uint64_t whole = 0; // wraps beyond 19 digits, which are rejected below
+    const char* const digitsStart = p;
+    p = ReadDigits(pFirst, p, pLast, whole);
+    const std::ptrdiff_t digits = p - digitsStart;
+    if (digits == 0) {
+        return false;
+    }
+    std::ptrdiff_t places = 0;
+    if (p != pLast && *p == pDecimalPoint) {
+        const char* const placesStart = ++p;
+        p = ReadDigits(pFirst, p, pLast, whole);
+        places = p - placesStart;
+    }
+    if (p != pLast || digits + places > 19 || whole > (std::uint64_t{1} << 53) ||
+        places >= static_cast<std::ptrdiff_t>(std::size(kExactPow10))) {
+        return false;
+    }
+    const double value = static_cast<double>(whole) / kExactPow10[places];
+    pOut = negative ? -value : value;
+    return true;
+}
+
 } // namespace
 
 Decimal RoundDouble(double pValue) noexcept {
@@ -644,6 +730,10 @@ ParseStatus ParseDouble(std::string_view pText, char pDecimalPoint, char pGroupS
     }
     const char* digit = *first == '-' ? first + 1 : first;
     if (digit != last && IsDigit(*digit)) {
+        if (!IsDigit(pDecimalPoint) && pDecimalPoint != '-' &&
+            ParseShortPlain(first, last, pDecimalPoint, pOut)) {
+            return ParseStatus::Ok;
+        }
         double value = 0;
         if (pDecimalPoint == '.') {
             const auto result = std::from_chars(first, last, value);

@@ -3,6 +3,10 @@
 #include <trv5charts/charterror.h>
 
 #include <algorithm>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -98,6 +102,33 @@ bool HasUniqueAttributes(pugi::xml_node pRoot) {
     return unique;
 }
 
+// Copies pSize UTF-16 units into pOut as bytes and tells whether all of them were ASCII (only
+// then is pOut the UTF-8 of the text). There is no early exit: non-ASCII saved state is rare, and
+// a branch per block would cost every load.
+bool NarrowAscii(const char16_t* pIn, std::size_t pSize, char* pOut) noexcept {
+    std::size_t i = 0;
+    char16_t seen = 0;
+#if defined(__SSE2__)
+    __m128i seenBlocks = _mm_setzero_si128();
+    for (; i + 16 <= pSize; i += 16) {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pIn + i));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pIn + i + 8));
+        seenBlocks = _mm_or_si128(seenBlocks, _mm_or_si128(low, high));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(pOut + i), _mm_packus_epi16(low, high));
+    }
+    // Any unit at 0x80 or above sets a bit outside the low seven of some lane.
+    const __m128i outside = _mm_and_si128(seenBlocks, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(outside, _mm_setzero_si128())) != 0xFFFF) {
+        return false;
+    }
+#endif
+    for (; i < pSize; ++i) {
+        seen = static_cast<char16_t>(seen | pIn[i]);
+        pOut[i] = static_cast<char>(pIn[i]);
+    }
+    return seen < 0x80;
+}
+
 } // namespace
 
 std::string_view XmlNode::Name() const {
@@ -137,6 +168,16 @@ std::optional<std::string_view> XmlNode::FindAttribute(std::string_view pName) c
         }
     }
     return std::nullopt;
+}
+
+std::string_view XmlNode::Text(std::string& pScratch) const {
+    const pugi::xml_node first = m_node.first_child();
+    if (first && !first.next_sibling() && first.type() == pugi::node_pcdata) {
+        return first.value();
+    }
+    pScratch.clear();
+    AppendText(m_node, pScratch);
+    return pScratch;
 }
 
 std::string XmlNode::Text() const {
@@ -212,18 +253,22 @@ XmlNode XmlNode::NextSibling() const {
     return XmlNode(sibling);
 }
 
+// parse_fragment keeps stray top-level text so that it can be rejected after loading instead of
+// being dropped silently.
+constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_fragment;
+
 bool XmlDocument::LoadXml(std::string_view pText) {
-    m_document.reset();
+    Discard();
     if (pText.empty()) {
         return false;
     }
-    // parse_fragment keeps stray top-level text so that it can be rejected below instead of
-    // being dropped silently.
-    const pugi::xml_parse_result result =
-        m_document.load_buffer(pText.data(), pText.size(),
-                               pugi::parse_default | pugi::parse_fragment, pugi::encoding_utf8);
-    if (!result) {
-        m_document.reset();
+    return Accept(
+        m_document.load_buffer(pText.data(), pText.size(), kParseOptions, pugi::encoding_utf8));
+}
+
+bool XmlDocument::Accept(const pugi::xml_parse_result& pResult) {
+    if (!pResult) {
+        Discard();
         return false;
     }
     int elements = 0;
@@ -238,20 +283,40 @@ bool XmlDocument::LoadXml(std::string_view pText) {
         case pugi::node_doctype:
             break;
         default:
-            m_document.reset();
+            Discard();
             return false;
         }
     }
     if (elements != 1 || !HasUniqueAttributes(m_document.document_element())) {
-        m_document.reset();
+        Discard();
         return false;
     }
     return true;
 }
 
+void XmlDocument::Discard() {
+    m_document.reset();
+    m_buffer.reset();
+}
+
 bool XmlDocument::LoadXml(const QString& pText) {
-    const QByteArray utf8 = pText.toUtf8();
-    return LoadXml(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
+    Discard();
+    const auto size = static_cast<std::size_t>(pText.size());
+    if (size == 0) {
+        return false;
+    }
+    // Saved state is nearly always ASCII, whose UTF-8 is its UTF-16 narrowed. That narrowing goes
+    // straight into a buffer the document keeps and parses in place: no UTF-8 copy sized for the
+    // worst case, and no second copy inside pugixml. Text with any other character is converted
+    // properly instead.
+    auto buffer = std::make_unique_for_overwrite<char[]>(size);
+    if (!NarrowAscii(QStringView(pText).utf16(), size, buffer.get())) {
+        const QByteArray utf8 = pText.toUtf8();
+        return LoadXml(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
+    }
+    m_buffer = std::move(buffer);
+    return Accept(
+        m_document.load_buffer_inplace(m_buffer.get(), size, kParseOptions, pugi::encoding_utf8));
 }
 
 XmlNode XmlDocument::DocumentElement() const {

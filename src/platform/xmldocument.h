@@ -4,6 +4,7 @@
 
 #include <pugixml.hpp>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +33,9 @@ public:
 
     // All character data below the element, in document order.
     std::string Text() const;
+    // The same without a copy when it is one run of character data (the usual case); otherwise
+    // gathered into pScratch. The view lives as long as the document or pScratch.
+    std::string_view Text(std::string& pScratch) const;
     void SetText(std::string_view pText);
 
     // The element and its descendants as compact XML (no declaration, no indentation).
@@ -63,6 +67,11 @@ public:
     std::vector<XmlNode> SelectNodes(const char* pQuery) const;
 
 private:
+    bool Accept(const pugi::xml_parse_result& pResult);
+    void Discard();
+
+    // The text parsed in place, when the document was loaded that way; its nodes point into it.
+    std::unique_ptr<char[]> m_buffer;
     pugi::xml_document m_document;
 };
 

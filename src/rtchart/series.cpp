@@ -280,7 +280,8 @@ void Series::ReadElement(const platform::XmlNode& pElement) {
     m_dataType =
         static_cast<XSeriesDataType>(serialization::ReadWhole(pElement.AttributeValue(kDataType)));
     const std::int32_t lastPoint = serialization::ReadWhole(pElement.AttributeValue(kLastPoint));
-    ReadValues(count, lastPoint, pElement.Text());
+    std::string scratch;
+    ReadValues(count, lastPoint, pElement.Text(scratch));
 }
 
 void Series::ReadValues(std::int32_t pCount, std::int32_t pLastPoint, std::string_view pText) {
@@ -290,16 +291,20 @@ void Series::ReadValues(std::int32_t pCount, std::int32_t pLastPoint, std::strin
     if (pCount <= 0) {
         throw ChartError(ChartError::IndexOutOfRange);
     }
-    const std::size_t available =
-        pText.empty() ? 0
-                      : static_cast<std::size_t>(std::count(pText.begin(), pText.end(), '|')) + 1;
     const auto slotCount = static_cast<std::size_t>(pCount);
     // A short element still gets its slotCount, filled as far as its texts go, up to a fixed cap;
     // beyond it the slotCount must be backed by texts before any memory is set aside.
-    if (slotCount > available && slotCount > kMaxUnbackedSlots) {
-        throw ChartError(
-            ChartError::IndexOutOfRange,
-            QStringLiteral("The series claims %1 values but holds %2").arg(pCount).arg(available));
+    if (slotCount > kMaxUnbackedSlots) {
+        const std::size_t available =
+            pText.empty()
+                ? 0
+                : static_cast<std::size_t>(std::count(pText.begin(), pText.end(), '|')) + 1;
+        if (slotCount > available) {
+            throw ChartError(ChartError::IndexOutOfRange,
+                             QStringLiteral("The series claims %1 values but holds %2")
+                                 .arg(pCount)
+                                 .arg(available));
+        }
     }
     // A loaded series has Count slotCount, one fewer than a drip-feed ring: the mirror slot only
     // matters while points are still arriving.
@@ -309,7 +314,8 @@ void Series::ReadValues(std::int32_t pCount, std::int32_t pLastPoint, std::strin
     m_lastPoint = pLastPoint;
     std::size_t start = 0;
     for (std::size_t i = 0; i < m_values.size(); ++i) {
-        if (i >= available) {
+        // Past the last text, start has stepped beyond the end.
+        if (pText.empty() || start > pText.size()) {
             // Too few texts: the values read so far stay, the remaining slotCount hold 0.
             throw ChartError(ChartError::IndexOutOfRange);
         }
