@@ -581,9 +581,11 @@ constexpr std::uint32_t EightDigitValue(std::uint64_t pChunk) noexcept {
 // Appends the digits from pFirst to pWhole (wrapping past 19 digits) and returns where they end.
 // Runs of eight are taken at once, which matters for the long fractions of saved values; a run of
 // fewer that ends the text is read as the last eight chars of the text (pText is where the text
-// begins) with the chars before the run taken as zeros.
-const char* ReadDigits(const char* pText, const char* pFirst, const char* pLast,
-                       std::uint64_t& pWhole) noexcept {
+// begins) with the chars before the run taken as zeros. Inlined into its two calls: as a call it
+// cost about 7 % of a whole load of saved state, in register saves and restores.
+[[gnu::always_inline]] inline const char* ReadDigits(const char* pText, const char* pFirst,
+                                                     const char* pLast,
+                                                     std::uint64_t& pWhole) noexcept {
     if constexpr (std::endian::native == std::endian::little) {
         while (pLast - pFirst >= 8) {
             std::uint64_t chunk = 0;
