@@ -1,6 +1,7 @@
 // The gallery host: its headless mode as a user runs it (a separate process without a display),
 // the project round trip, the threshold wiring and the charts' context menus in the window.
 #include "core/gallerycore.h"
+#include "platform/colour.h"
 #include "ui/chartboard.h"
 #include "ui/chartexport.h"
 #include "ui/controlpanel.h"
@@ -50,7 +51,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <memory>
 
@@ -586,24 +586,6 @@ TEST(Gallery, ToolTipsNameTheLineAndTheVariable) {
     trv5::Globals::StoreConfig(nullptr);
 }
 
-namespace {
-
-double Contrast(const QColor& pFirst, const QColor& pSecond) {
-    const auto luminance = [](const QColor& pColour) {
-        const auto linear = [](double pChannel) {
-            return pChannel <= 0.04045 ? pChannel / 12.92
-                                       : std::pow((pChannel + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(pColour.redF()) + 0.7152 * linear(pColour.greenF()) +
-               0.0722 * linear(pColour.blueF());
-    };
-    const double a = luminance(pFirst);
-    const double b = luminance(pSecond);
-    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
-}
-
-} // namespace
-
 TEST(Gallery, KeyboardReachesEveryChartInReadingOrderAndOpensItsMenu) {
     GalleryWindow window;
     window.show();
@@ -669,7 +651,7 @@ TEST(Gallery, DarkModeKeepsEveryTextReadable) {
         const QPoint at = label->mapTo(&window, QPoint(1, 1)) * screen.devicePixelRatio();
         const QColor background = screen.pixelColor(at);
         const QColor text = label->palette().color(label->foregroundRole());
-        EXPECT_GE(Contrast(text, background), 4.5)
+        EXPECT_GE(trv5::platform::ContrastRatio(text, background), 4.5)
             << label->objectName().toStdString() << " \"" << label->text().toStdString() << "\"";
         ++checked;
     }
