@@ -172,10 +172,14 @@ void HostedChartFrame::paintEvent(QPaintEvent* pEvent) {
         }
     }
     const QString title = mChart->TitleCount() > 0 ? mChart->Title(0).Text().trimmed() : QString();
-    setAccessibleDescription(QStringLiteral("%1, %2 series, %3 points")
-                                 .arg(title.isEmpty() ? QStringLiteral("Chart") : title)
-                                 .arg(series)
-                                 .arg(points));
+    const QString description = QStringLiteral("%1, %2 series, %3 points")
+                                    .arg(title.isEmpty() ? QStringLiteral("Chart") : title)
+                                    .arg(series)
+                                    .arg(points);
+    // Every paint passes here (a hover repaints); a screen reader hears only real changes.
+    if (description != accessibleDescription()) {
+        setAccessibleDescription(description);
+    }
     const QWidget* engine = mChart->Widget();
     if (m_drawBorder && engine != nullptr) {
         platform::PaintFrameBorder(*this, engine->geometry());
