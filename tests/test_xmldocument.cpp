@@ -154,3 +154,27 @@ TEST(XmlDocument, TextViewsOneRunInPlaceAndGathersSeveral) {
     EXPECT_EQ(document.SelectSingleNode("//a/c").Text(scratch), "1|2|3");
     EXPECT_EQ(scratch, "1|2|3");
 }
+
+// Texts of several megabytes are parsed from a differently allocated buffer; the last char of
+// the text must still be read, the buffer must be given back when the document loads again,
+// and a text that fails to parse must leave nothing behind.
+TEST(XmlDocument, LoadsTextsOfSeveralMegabytesAgainAndAgain) {
+    XmlDocument document;
+    for (const qsizetype size : {qsizetype{8} << 20, (qsizetype{8} << 20) + 4097}) {
+        for (const bool wellFormed : {true, false, true}) {
+            QString text = QStringLiteral("<e>");
+            text.append(QString(size, QLatin1Char('7')));
+            text.append(wellFormed ? QStringLiteral("9</e>") : QStringLiteral("9</f>"));
+            ASSERT_EQ(document.LoadXml(text), wellFormed) << size;
+            if (!wellFormed) {
+                EXPECT_TRUE(document.DocumentElement().IsNull());
+                continue;
+            }
+            std::string scratch;
+            const std::string_view content = document.DocumentElement().Text(scratch);
+            ASSERT_EQ(content.size(), static_cast<std::size_t>(size) + 1);
+            EXPECT_EQ(content.front(), '7');
+            EXPECT_EQ(content.back(), '9');
+        }
+    }
+}

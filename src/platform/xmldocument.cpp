@@ -296,7 +296,7 @@ bool XmlDocument::Accept(const pugi::xml_parse_result& pResult) {
 
 void XmlDocument::Discard() {
     m_document.reset();
-    m_buffer.reset();
+    m_buffer.Reset();
 }
 
 bool XmlDocument::LoadXml(const QString& pText) {
@@ -309,14 +309,14 @@ bool XmlDocument::LoadXml(const QString& pText) {
     // straight into a buffer the document keeps and parses in place: no UTF-8 copy sized for the
     // worst case, and no second copy inside pugixml. Text with any other character is converted
     // properly instead.
-    auto buffer = std::make_unique_for_overwrite<char[]>(size);
-    if (!NarrowAscii(QStringView(pText).utf16(), size, buffer.get())) {
+    TextBuffer buffer(size);
+    if (!NarrowAscii(QStringView(pText).utf16(), size, buffer.Data())) {
         const QByteArray utf8 = pText.toUtf8();
         return LoadXml(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
     }
     m_buffer = std::move(buffer);
     return Accept(
-        m_document.load_buffer_inplace(m_buffer.get(), size, kParseOptions, pugi::encoding_utf8));
+        m_document.load_buffer_inplace(m_buffer.Data(), size, kParseOptions, pugi::encoding_utf8));
 }
 
 XmlNode XmlDocument::DocumentElement() const {

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "platform/textbuffer.h"
+
 #include <pugixml.hpp>
 
 #include <memory>
@@ -71,7 +73,7 @@ private:
     void Discard();
 
     // The text parsed in place, when the document was loaded that way; its nodes point into it.
-    std::unique_ptr<char[]> m_buffer;
+    TextBuffer m_buffer;
     pugi::xml_document m_document;
 };
 
