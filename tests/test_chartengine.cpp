@@ -229,6 +229,31 @@ TEST_F(ChartEngineTest, TitlesTakeRoomOnlyWhenShownAtTheirEdge) {
     EXPECT_GT(corner().x(), captionRight.x());
 }
 
+// A long series name is cut in the legend, which would otherwise cover the plot, but the
+// series keeps it whole; a short one is shown as it is, and a wider chart shows more of it.
+TEST_F(ChartEngineTest, LegendCutsLongNamesToAThirdOfThePlot) {
+    engine.LoadContent(Write(R"({"Content": {"Series": [{"Name": "Short", "ShowInLegend": true}],
+                                                "Legend": {"Visible": true}}})"));
+    engine.Series(0).AddPoint(0, 0);
+    engine.Render();
+    const int shortWidth = engine.LegendRect().width();
+    ASSERT_GT(shortWidth, 0);
+
+    const QString longName = QStringLiteral("A very long series name ").repeated(40);
+    engine.Series(0).SetName(longName);
+    engine.Render();
+    const int narrow = engine.LegendRect().width();
+    EXPECT_GT(narrow, shortWidth);
+    // The name's third of the plot, plus the legend's icon and margins.
+    EXPECT_LE(narrow, 600 / 3 + shortWidth);
+    EXPECT_EQ(engine.Series(0).Name(), longName);
+
+    engine.Widget()->setGeometry(0, 0, 1200, 400);
+    engine.Render();
+    EXPECT_GT(engine.LegendRect().width(), narrow + 100);
+    EXPECT_LE(engine.LegendRect().width(), 1200 / 3 + shortWidth);
+}
+
 TEST_F(ChartEngineTest, AxesFitTheVisibleDataOrShowTheirFixedRange) {
     engine.LoadContent(QStringLiteral(":/trv5charts/scatterplot.json"));
     engine.Series(0).AddPoint(-3, 10);

@@ -38,6 +38,16 @@ QFont PixelFont(double pPoints, bool pBold) {
     return font;
 }
 
+// A legend sits over the plot, so a name wider than a third of it is cut with an ellipsis:
+// the legend must not cover the data it explains. The series keeps its whole name for the
+// copied data; the floor keeps a few words of it on a small chart.
+constexpr int kMinLegendNameWidth = 120;
+
+QString LegendName(const QString& pName, int pPlotWidth) {
+    const QFontMetrics metrics(PixelFont(kLegendPoints, false));
+    return metrics.elidedText(pName, Qt::ElideRight, std::max(kMinLegendNameWidth, pPlotWidth / 3));
+}
+
 QCPScatterStyle::ScatterShape ToScatterShape(MarkerShape pShape) {
     switch (pShape) {
     case MarkerShape::Circle:
@@ -632,7 +642,7 @@ void EngineState::SyncSeries(std::size_t pIndex) {
         graph.setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssNone));
     }
     graph.setVisible(definition.visible);
-    graph.setName(definition.name);
+    graph.setName(LegendName(definition.name, plot->width()));
     const bool inLegend =
         definition.showInLegend && definition.visible && !definition.name.isEmpty();
     if (inLegend != plot->legend->hasItemWithPlottable(&graph)) {
