@@ -8,6 +8,8 @@
 // * BM_LiveFeedSampled: 21 series of capacity 100,000, filled to 10, 50 or 100 % and then fed
 //   for a sample of generations (the last of them filling the ring); also the first, full
 //   redraw at that fill.
+// * BM_FirstFullRedraw and BM_FullRedraw: 21 series of capacity 100,000 filled without drawing,
+//   then the first full redraw (every value read), and full redraws after the range moved.
 // * BM_LiveFeedPaced: 3 series of capacity 1,000,000 fed at 60 generations a second of wall
 //   time at 10, 50 and 100 % full: whether every frame fits in 16 ms, and its processor time.
 // * BM_QCustomPlotRefreshBulk: plain QCustomPlot's replot of the two bulk series of a million
@@ -270,6 +272,38 @@ BENCHMARK(BM_LiveFeedSampled)
     ->Args({21, 100'000, 100, 100})
     ->Iterations(1)
     ->Unit(benchmark::kSecond);
+
+// Arguments: series, capacity. Both widgets filled to capacity without drawing, then drawn once,
+// the one going first alternating between iterations: the first full redraw reads every value.
+void BM_FirstFullRedraw(benchmark::State& pState) {
+    const int series = static_cast<int>(pState.range(0));
+    const auto capacity = static_cast<std::int32_t>(pState.range(1));
+    Sample sample;
+    bool chartFirst = false;
+    for (auto _ : pState) {
+        LiveChart chart(series, capacity);
+        LivePlot plot(series, capacity);
+        Feed feed(series);
+        FillTo(chart, plot, feed, series, capacity);
+        chartFirst = !chartFirst;
+        for (int turn = 0; turn < 2; ++turn) {
+            const double start = ThreadMilliseconds();
+            if ((turn == 0) == chartFirst) {
+                chart.Frame();
+                sample.chart.push_back(ThreadMilliseconds() - start);
+            } else {
+                plot.Frame();
+                sample.plot.push_back(ThreadMilliseconds() - start);
+            }
+        }
+    }
+    sample.Report(pState);
+}
+BENCHMARK(BM_FirstFullRedraw)
+    ->ArgNames({"series", "capacity"})
+    ->Args({21, 100'000})
+    ->Iterations(12)
+    ->Unit(benchmark::kMillisecond);
 
 // Arguments: series, capacity. Both widgets full, then drawn whole again and again, taking turns:
 // the chart because its axis range moves by a hair each time (an unchanged chart is not drawn
