@@ -225,6 +225,68 @@ TEST(TextToDouble, PlainTextsReadAsFromCharsDoes) {
     }
 }
 
+// A list of numbers reads as each of its texts would on its own: plain numbers that end at a
+// separator take the quick way, everything else is cut out and read whole. Random lists mix
+// both with damaged texts; the count, the status and every value stored must be the ones reading
+// text by text gives, also when the output is shorter than the list.
+TEST(TextToDouble, ListsReadAsTheirTextsDoOneByOne) {
+    std::mt19937_64 random(20261123);
+    const std::vector<std::string> odd = {
+        "",   "1e5",   " 7",  "+3", "1,000", "NaN", "-INF", "-",   ".5",
+        "1.", "1.2.3", "abc", "5 ", "1e999", "0x",  "--1",  "12a", "9" + std::string(20, '9')};
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<std::string> fields(random() % 12);
+        for (std::string& field : fields) {
+            if (random() % 5 == 0) {
+                field = odd[random() % odd.size()];
+                continue;
+            }
+            field.clear();
+            if (random() % 4 == 0) {
+                field.push_back('-');
+            }
+            for (int d = static_cast<int>(random() % 12); d >= 0; --d) {
+                field.push_back(static_cast<char>('0' + random() % 10));
+            }
+            if (random() % 3 != 0) {
+                field.push_back('.');
+                for (int d = static_cast<int>(random() % 18); d > 0; --d) {
+                    field.push_back(static_cast<char>('0' + random() % 10));
+                }
+            }
+        }
+        std::string text;
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            if (i != 0) {
+                text.push_back('|');
+            }
+            text.append(fields[i]);
+        }
+        // No texts at all when the list is empty, else one per separator and one more.
+        const std::size_t texts = text.empty() ? 0 : fields.size();
+        const std::size_t room = random() % 2 == 0 ? texts : random() % 14;
+        std::vector<double> values(room, -7.0);
+        const nt::ListResult result = nt::ParseDoubleList(text, '|', '.', ',', values);
+
+        std::size_t expectedRead = 0;
+        nt::ParseStatus expectedStatus = nt::ParseStatus::Ok;
+        std::vector<double> expected(room, -7.0);
+        while (expectedRead < std::min(room, texts)) {
+            expectedStatus =
+                nt::ParseDouble(fields[expectedRead], '.', ',', expected[expectedRead]);
+            if (expectedStatus != nt::ParseStatus::Ok) {
+                break;
+            }
+            ++expectedRead;
+        }
+        ASSERT_EQ(result.read, expectedRead) << text;
+        ASSERT_EQ(result.status, expectedStatus) << text;
+        for (std::size_t i = 0; i < room; ++i) {
+            ExpectSameDouble(values[i], expected[i], QString::fromStdString(text));
+        }
+    }
+}
+
 // Written text reads back as the nearest double to its 15-digit (single: 7-digit) rounding and
 // writes again the same; values of at most 15 significant digits come back exactly.
 TEST(TextToDouble, RoundTripsWrittenText) {

@@ -578,11 +578,25 @@ constexpr std::uint32_t EightDigitValue(std::uint64_t pChunk) noexcept {
         ((pChunk & kMask) * kHigh + ((pChunk >> 16) & kMask) * kLow) >> 32);
 }
 
+// How many of the eight chars in pChunk (first char in the lowest byte) are digits before the
+// first one that is not: a byte is flagged when its high nibble is not 3 or its low nibble is
+// above 9, and the lowest flagged byte is the count. No lane carries into its neighbour.
+constexpr int LeadingDigits(std::uint64_t pChunk) noexcept {
+    constexpr std::uint64_t kLow7 = 0x7F7F7F7F7F7F7F7FULL;
+    const std::uint64_t wrong =
+        ((pChunk & 0xF0F0F0F0F0F0F0F0ULL) ^ 0x3030303030303030ULL) |
+        (((pChunk & 0x0F0F0F0F0F0F0F0FULL) + 0x0606060606060606ULL) & 0xF0F0F0F0F0F0F0F0ULL);
+    const std::uint64_t flagged = (((wrong & kLow7) + kLow7) | wrong) & ~kLow7;
+    return flagged == 0 ? 8 : std::countr_zero(flagged) / 8;
+}
+
 // Appends the digits from pFirst to pWhole (wrapping past 19 digits) and returns where they end.
-// Runs of eight are taken at once, which matters for the long fractions of saved values; a run of
-// fewer that ends the text is read as the last eight chars of the text (pText is where the text
-// begins) with the chars before the run taken as zeros. Inlined into its two calls: as a call it
-// cost about 7 % of a whole load of saved state, in register saves and restores.
+// Runs of eight are taken at once, which matters for the long fractions of saved values. A
+// shorter run is read from the eight chars where it starts, when they lie before pLast, the
+// chars after the run taken out and zeros put in front; otherwise, when the run ends the text,
+// from the last eight chars of the text (pText is where the readable chars begin) with the chars
+// before the run taken as zeros. Inlined into its calls: as a call it cost about 7 % of a whole
+// load of saved state, in register saves and restores.
 [[gnu::always_inline]] inline const char* ReadDigits(const char* pText, const char* pFirst,
                                                      const char* pLast,
                                                      std::uint64_t& pWhole) noexcept {
@@ -591,7 +605,15 @@ constexpr std::uint32_t EightDigitValue(std::uint64_t pChunk) noexcept {
             std::uint64_t chunk = 0;
             std::memcpy(&chunk, pFirst, sizeof chunk);
             if (!EightDigits(chunk)) {
-                break;
+                const int count = LeadingDigits(chunk);
+                if (count > 0) {
+                    // The run moved to the top bytes, zero chars below it.
+                    const int shift = 8 * (8 - count);
+                    chunk = (chunk << shift) | (0x3030303030303030ULL >> (64 - shift));
+                    pWhole =
+                        pWhole * kPow10[static_cast<std::size_t>(count)] + EightDigitValue(chunk);
+                }
+                return pFirst + count;
             }
             pWhole = pWhole * 100000000 + EightDigitValue(chunk);
             pFirst += 8;
@@ -617,33 +639,46 @@ constexpr std::uint32_t EightDigitValue(std::uint64_t pChunk) noexcept {
 // "[-]digits[point digits]" with at most 19 digits, forming an integer w of at most 2^53, at most
 // 22 of them after the point: w and the power of ten are then exact doubles, so one division
 // gives the correctly rounded value, the one std::from_chars gives. Every value written in plain
-// form with 15 significant digits is of this kind, so saved data rarely needs more.
-bool ParseShortPlain(const char* pFirst, const char* pLast, char pDecimalPoint,
-                     double& pOut) noexcept {
+// form with 15 significant digits is of this kind, so saved data rarely needs more. Reads from
+// pFirst as far as the number goes; the chars from pText to pLimit may all be read. Returns where
+// the number ends, or null when it is not of this kind (pOut is then unchanged).
+[[gnu::always_inline]] inline const char* ReadShortPlain(const char* pText, const char* pFirst,
+                                                         const char* pLimit, char pDecimalPoint,
+                                                         double& pOut) noexcept {
     const char* p = pFirst;
-    const bool negative = p != pLast && *p == '-';
+    const bool negative = p != pLimit && *p == '-';
     if (negative) {
         ++p;
     }
     std::uint64_t whole = 0; // wraps beyond 19 digits, which are rejected below
     const char* const digitsStart = p;
-    p = ReadDigits(pFirst, p, pLast, whole);
+    p = ReadDigits(pText, p, pLimit, whole);
     const std::ptrdiff_t digits = p - digitsStart;
     if (digits == 0) {
-        return false;
+        return nullptr;
     }
     std::ptrdiff_t places = 0;
-    if (p != pLast && *p == pDecimalPoint) {
+    if (p != pLimit && *p == pDecimalPoint) {
         const char* const placesStart = ++p;
-        p = ReadDigits(pFirst, p, pLast, whole);
+        p = ReadDigits(pText, p, pLimit, whole);
         places = p - placesStart;
     }
-    if (p != pLast || digits + places > 19 || whole > (std::uint64_t{1} << 53) ||
+    if (digits + places > 19 || whole > (std::uint64_t{1} << 53) ||
         places >= static_cast<std::ptrdiff_t>(std::size(kExactPow10))) {
-        return false;
+        return nullptr;
     }
     const double value = static_cast<double>(whole) / kExactPow10[places];
     pOut = negative ? -value : value;
+    return p;
+}
+
+bool ParseShortPlain(const char* pFirst, const char* pLast, char pDecimalPoint,
+                     double& pOut) noexcept {
+    double value = 0.0;
+    if (ReadShortPlain(pFirst, pFirst, pLast, pDecimalPoint, value) != pLast) {
+        return false;
+    }
+    pOut = value;
     return true;
 }
 
@@ -754,6 +789,39 @@ ParseStatus ParseDouble(std::string_view pText, char pDecimalPoint, char pGroupS
         }
     }
     return ParseGeneral(first, last, pDecimalPoint, pGroupSeparator, pOut);
+}
+
+ListResult ParseDoubleList(std::string_view pText, char pSeparator, char pDecimalPoint,
+                           char pGroupSeparator, std::span<double> pOut) noexcept {
+    // Saved series are millions of plain numbers: each is read where it stands, and its end is
+    // the separator, so the separators need no search of their own. Anything else is cut out at
+    // the next separator and read by ParseDouble, exactly as it would be on its own.
+    const bool quick = !IsDigit(pDecimalPoint) && pDecimalPoint != '-' && !IsDigit(pSeparator) &&
+                       pSeparator != '-' && pSeparator != pDecimalPoint;
+    const char* const text = pText.data();
+    const char* const last = text + pText.size();
+    const char* p = text;
+    std::size_t read = 0;
+    bool more = !pText.empty();
+    while (more && read < pOut.size()) {
+        double value = 0.0;
+        const char* end = quick ? ReadShortPlain(text, p, last, pDecimalPoint, value) : nullptr;
+        if (end == nullptr || (end != last && *end != pSeparator)) {
+            end = std::find(p, last, pSeparator);
+            const ParseStatus status =
+                ParseDouble(std::string_view(p, static_cast<std::size_t>(end - p)), pDecimalPoint,
+                            pGroupSeparator, value);
+            if (status != ParseStatus::Ok) {
+                return {read, status};
+            }
+        }
+        pOut[read++] = value;
+        more = end != last;
+        if (more) {
+            p = end + 1;
+        }
+    }
+    return {read, ParseStatus::Ok};
 }
 
 } // namespace trv5::numbertext

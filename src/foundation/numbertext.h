@@ -9,6 +9,7 @@
 // caller-chosen decimal separator and never any digit grouping.
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 namespace trv5::numbertext {
@@ -81,5 +82,17 @@ enum class ParseStatus { Ok, TypeMismatch, Overflow };
 // a sign, 'e' or 'E'), disables grouping. On anything but Ok, pOut is left unchanged.
 ParseStatus ParseDouble(std::string_view pText, char pDecimalPoint, char pGroupSeparator,
                         double& pOut) noexcept;
+
+struct ListResult {
+    std::size_t read;   // values stored, from the first
+    ParseStatus status; // of the text after them when that text did not read
+};
+
+// Reads the texts of pText between pSeparator chars into pOut, each as ParseDouble reads it on
+// its own, until pOut is full or the texts run out: "1|2" holds two texts, "" none, "1|" a second,
+// empty one. Stops at the first text that does not read and reports why; pOut keeps the values
+// before it. An empty text is TypeMismatch like any other.
+ListResult ParseDoubleList(std::string_view pText, char pSeparator, char pDecimalPoint,
+                           char pGroupSeparator, std::span<double> pOut) noexcept;
 
 } // namespace trv5::numbertext

@@ -28,17 +28,33 @@ void AppendWhole(std::string& pOut, std::int64_t pValue) {
     pOut.append(buffer, static_cast<std::size_t>(result.ptr - buffer));
 }
 
-double ReadNumber(std::string_view pText) {
-    double value = 0.0;
-    switch (numbertext::ParseDouble(pText, '.', ',', value)) {
+namespace {
+
+void ThrowUnless(numbertext::ParseStatus pStatus) {
+    switch (pStatus) {
     case numbertext::ParseStatus::Ok:
-        return value;
+        return;
     case numbertext::ParseStatus::Overflow:
         throw ChartError(ChartError::Overflow);
     case numbertext::ParseStatus::TypeMismatch:
         break;
     }
     throw ChartError(ChartError::TypeMismatch);
+}
+
+} // namespace
+
+double ReadNumber(std::string_view pText) {
+    double value = 0.0;
+    ThrowUnless(numbertext::ParseDouble(pText, '.', ',', value));
+    return value;
+}
+
+std::size_t ReadNumbers(std::string_view pText, char pSeparator, std::span<double> pOut) {
+    const numbertext::ListResult result =
+        numbertext::ParseDoubleList(pText, pSeparator, '.', ',', pOut);
+    ThrowUnless(result.status);
+    return result.read;
 }
 
 std::int32_t ReadWhole(std::string_view pText) {

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,9 @@ inline void AppendBool(std::string& pOut, bool pValue) {
 
 // Fixed-culture readers; throw ChartError 13 or 6 like their text counterparts.
 double ReadNumber(std::string_view pText);
+// The numbers of pText between pSeparator chars into pOut, as far as both go; returns how many
+// were stored. Throws like ReadNumber at the first that does not read, the ones before it stored.
+std::size_t ReadNumbers(std::string_view pText, char pSeparator, std::span<double> pOut);
 std::int32_t ReadWhole(std::string_view pText);
 // Exactly "1" is true; "True", "-1" and everything else are false.
 inline bool ReadBool(std::string_view pText) {

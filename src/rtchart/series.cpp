@@ -312,19 +312,9 @@ void Series::ReadValues(std::int32_t pCount, std::int32_t pLastPoint, std::strin
     m_valuesAllocated = true;
     m_count = pCount;
     m_lastPoint = pLastPoint;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < m_values.size(); ++i) {
-        // Past the last text, start has stepped beyond the end.
-        if (pText.empty() || start > pText.size()) {
-            // Too few texts: the values read so far stay, the remaining slotCount hold 0.
-            throw ChartError(ChartError::IndexOutOfRange);
-        }
-        std::size_t end = pText.find('|', start);
-        if (end == std::string_view::npos) {
-            end = pText.size();
-        }
-        m_values[i] = serialization::ReadNumber(pText.substr(start, end - start));
-        start = end + 1;
+    if (serialization::ReadNumbers(pText, '|', m_values) < m_values.size()) {
+        // Too few texts: the values read so far stay, the remaining slots hold 0.
+        throw ChartError(ChartError::IndexOutOfRange);
     }
     m_dataReady = true;
 }
