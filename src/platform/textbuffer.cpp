@@ -32,8 +32,13 @@ TextBuffer::TextBuffer(std::size_t pSize) : m_size(pSize) {
         if (mapping != MAP_FAILED) {
             const auto address = reinterpret_cast<std::uintptr_t>(mapping);
             const std::uintptr_t aligned = (address + kLargePage - 1) / kLargePage * kLargePage;
-            // Advice only: without large pages the buffer still works with ordinary ones.
+            // Advice only: without large pages the buffer still works with ordinary ones, and
+            // then faulting them all in with one call is still about a tenth of a load cheaper
+            // than a fault per page. Kernels that know neither leave the pages to be faulted in.
             madvise(reinterpret_cast<void*>(aligned), rounded, MADV_HUGEPAGE);
+#if defined(MADV_POPULATE_WRITE)
+            madvise(reinterpret_cast<void*>(aligned), rounded, MADV_POPULATE_WRITE);
+#endif
             m_mapping = mapping;
             m_mappingSize = mappingSize;
             m_data = reinterpret_cast<char*>(aligned);
