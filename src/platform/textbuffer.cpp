@@ -21,7 +21,7 @@ constexpr std::size_t kLargePageThreshold = 4 * kLargePage;
 
 } // namespace
 
-TextBuffer::TextBuffer(std::size_t pSize) : m_size(pSize) {
+TextBuffer::TextBuffer(std::size_t pSize) {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
     if (pSize >= kLargePageThreshold) {
         // One large page more than needed, so that the buffer can start on a large-page boundary.
@@ -54,7 +54,7 @@ TextBuffer::~TextBuffer() {
 }
 
 TextBuffer::TextBuffer(TextBuffer&& pOther) noexcept
-    : m_data(std::exchange(pOther.m_data, nullptr)), m_size(std::exchange(pOther.m_size, 0)),
+    : m_data(std::exchange(pOther.m_data, nullptr)),
       m_mapping(std::exchange(pOther.m_mapping, nullptr)),
       m_mappingSize(std::exchange(pOther.m_mappingSize, 0)) {}
 
@@ -62,7 +62,6 @@ TextBuffer& TextBuffer::operator=(TextBuffer&& pOther) noexcept {
     if (this != &pOther) {
         Reset();
         m_data = std::exchange(pOther.m_data, nullptr);
-        m_size = std::exchange(pOther.m_size, 0);
         m_mapping = std::exchange(pOther.m_mapping, nullptr);
         m_mappingSize = std::exchange(pOther.m_mappingSize, 0);
     }
@@ -79,7 +78,6 @@ void TextBuffer::Reset() noexcept {
         delete[] m_data;
     }
     m_data = nullptr;
-    m_size = 0;
     m_mapping = nullptr;
     m_mappingSize = 0;
 }

@@ -19,12 +19,10 @@ public:
     TextBuffer& operator=(const TextBuffer&) = delete;
 
     [[nodiscard]] char* Data() const noexcept { return m_data; }
-    [[nodiscard]] std::size_t Size() const noexcept { return m_size; }
     void Reset() noexcept;
 
 private:
     char* m_data = nullptr;
-    std::size_t m_size = 0;
     // What was mapped for a large-page buffer, or null when m_data came from new[].
     void* m_mapping = nullptr;
     std::size_t m_mappingSize = 0;
